@@ -1,0 +1,35 @@
+# Install rules: headers, library, CMake package, pkg-config file.
+include(CMakePackageConfigHelpers)
+
+set(PHOTARIUM_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/Photarium)
+
+install(TARGETS photarium
+  EXPORT PhotariumTargets
+  FILE_SET HEADERS)
+install(EXPORT PhotariumTargets
+  NAMESPACE Photarium::
+  DESTINATION ${PHOTARIUM_CMAKE_DIR})
+configure_package_config_file(
+  ${PROJECT_SOURCE_DIR}/cmake/PhotariumConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/PhotariumConfig.cmake
+  INSTALL_DESTINATION ${PHOTARIUM_CMAKE_DIR})
+write_basic_package_version_file(
+  ${PROJECT_BINARY_DIR}/PhotariumConfigVersion.cmake
+  COMPATIBILITY SameMinorVersion)
+install(FILES
+  ${PROJECT_BINARY_DIR}/PhotariumConfig.cmake
+  ${PROJECT_BINARY_DIR}/PhotariumConfigVersion.cmake
+  DESTINATION ${PHOTARIUM_CMAKE_DIR})
+
+# A static library leaves its OpenMP runtime and socket library to the linker
+# of the consumer; pkg-config cannot see CMake's link interface.
+if(BUILD_SHARED_LIBS)
+  set(PHOTARIUM_PC_REQUIRED_LIBS "")
+else()
+  set(PHOTARIUM_PC_REQUIRED_LIBS "${OpenMP_CXX_FLAGS}")
+endif()
+configure_file(
+  ${PROJECT_SOURCE_DIR}/cmake/photarium.pc.in
+  ${PROJECT_BINARY_DIR}/photarium.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/photarium.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
