@@ -2,6 +2,12 @@
 
 // Every public header of the library.
 
+#include "photarium/foundation/bremsstrahlung_tables.h"
+#include "photarium/foundation/console.h"
+#include "photarium/foundation/constants.h"
+#include "photarium/foundation/elements.h"
+#include "photarium/foundation/enumerations.h"
 #include "photarium/foundation/number.h"
 #include "photarium/foundation/text.h"
 #include "photarium/foundation/warning.h"
+#include "photarium/material/EnergyLossConstants.h"
