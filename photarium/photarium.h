@@ -10,4 +10,5 @@
 #include "photarium/foundation/number.h"
 #include "photarium/foundation/text.h"
 #include "photarium/foundation/warning.h"
+#include "photarium/grid/Grid.h"
 #include "photarium/material/EnergyLossConstants.h"
