@@ -11,4 +11,7 @@
 #include "photarium/foundation/text.h"
 #include "photarium/foundation/warning.h"
 #include "photarium/grid/Grid.h"
+#include "photarium/material/Edge.h"
 #include "photarium/material/EnergyLossConstants.h"
+#include "photarium/material/Line.h"
+#include "photarium/material/SubshellID.h"
