@@ -157,6 +157,24 @@ class AttenuationCoeff {
     RangeSpline spline;
   };
 
+  class Scratch;
+  class Operand;
+
+  template <class AnyStretch>
+  void build(std::vector<AnyStretch> const& data, T const& scale, bool linear);
+  template <class AnyPoints>
+  void addStretch(AnyPoints const& points, Interpolation law, bool isCubic,
+                  T const& scale, bool linear);
+  void orderRanges();
+  void settle();
+  template <class Change>
+  void changeValues(Change const& change);
+
+  Range const& rangeAt(T const& x) const;
+  [[noreturn]] void throwOutside(T const& x, Range const& range) const;
+  static void addInterval(AttenuationCoeff& sum, T const& lo, T const& hi,
+                          Operand& one, Operand& two);
+
   std::vector<Range> ranges_;  // ascending keys
   SearchHint hint_;            // range of the last evaluation
 };

@@ -53,8 +53,9 @@ class CSpline : public NodeSpline<X, Y, quint<X, Y, Y, Y, Y>> {
   Spline<X, Y>& operator+=(Y const& c) override;
   Spline<X, Y>& operator*=(Y const& c) override;
 
-  /// Computes the coefficients anew from the nodes, as those of a Clone().
-  void rebuild() noexcept;
+  /// Computes the coefficients anew from the nodes, so that it equals its
+  /// Clone().
+  void rebuild();
 
  protected:
   /// Takes the nodes with their coefficients as they are; throws

@@ -49,8 +49,8 @@ class LSpline : public NodeSpline<X, Y, triple<X, Y, Y>> {
   Spline<X, Y>& operator+=(Y const& c) override;
   Spline<X, Y>& operator*=(Y const& c) override;
 
-  /// Computes the slopes anew from the nodes, as those of a Clone().
-  void rebuild() noexcept;
+  /// Computes the slopes anew from the nodes, so that it equals its Clone().
+  void rebuild();
 
  protected:
   /// Takes the nodes with their slopes as they are; throws std::runtime_error

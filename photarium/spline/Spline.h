@@ -61,13 +61,19 @@ class Spline {
 
 /// The place where the last sequential search ended: a guess that any thread
 /// may read and replace at any time. It is no part of the value of its owner,
-/// so a copy begins at 0 again.
+/// so a copy begins at 0 again, as does what was moved from.
 class SearchHint {
  public:
   SearchHint() = default;
   SearchHint(SearchHint const&) noexcept {}
+  SearchHint(SearchHint&& other) noexcept { other.set(0); }
   SearchHint& operator=(SearchHint const&) noexcept {
     set(0);
+    return *this;
+  }
+  SearchHint& operator=(SearchHint&& other) noexcept {
+    set(0);
+    other.set(0);
     return *this;
   }
   ~SearchHint() = default;
