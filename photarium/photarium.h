@@ -26,3 +26,7 @@
 #include "photarium/spline/TriCSpline.h"
 #include "photarium/spline/TriLSpline.h"
 #include "photarium/spline/records.h"
+#include "photarium/streams/IPCBuf.h"
+#include "photarium/streams/IPCStream.h"
+#include "photarium/streams/PHMCBuffer.h"
+#include "photarium/streams/PHMCStream.h"
