@@ -124,7 +124,7 @@ class Config {
   std::string Directory;              // of the config file and the data files
   std::string ConfigFile;             // name of the config file
   std::vector<std::string> Sections;  // to apply; once parsed in that order
-  IPCStream IPC;                      // progress connection, closed by default
+  mutable IPCStream IPC;              // progress connection, closed by default
   std::string DataFile;               // database file
   DBType DataType = Unknown;          // format of the database file
   T Time = 1;                         // measurement time [s]
