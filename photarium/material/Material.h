@@ -211,7 +211,8 @@ class Material {
 
  protected:
   /// A tabulated stretch: points, interpolation law, cubic spline or linear.
-  using Stretch = typename AttenuationCoeff<T>::MapStretch;
+  using Stretch = triple<std::multimap<T, T>,
+                         typename AttenuationCoeff<T>::Interpolation, bool>;
   using Fields = triple<std::pair<T, T>, std::pair<T, T>, std::pair<T, T>>;
 
   /// Normalises a database, packed or plain: lines without carriage returns at
@@ -249,8 +250,7 @@ class Material {
     std::string name;
     DBType type = Unknown;
   };
-  class Composite;   // loads and sums the elements of a composite
-  class ElamReader;  // one element of an ElamDB text
+  class Composite;
 
   // Normalises a text in place and recognises its format.
   static DBType normalise(std::string& text);
@@ -264,23 +264,11 @@ class Material {
   void parseMCNP(std::string_view text);
   void parse(std::string_view text, DBType type);
 
-  // What readDB() does; `source` becomes what this call read.
   void load(std::string const& db, std::string const& dir, DBType type,
             Source& source);
   void loadDefault(std::string const& dir, DBType type, Source& source);
   void loadFile(std::string const& db, std::string const& dir, Source& source);
-  static std::string sourceText(std::string const& db, std::string const& dir,
-                                Source& source);
-  static DBType readList(std::string const& db, std::string const& dir,
-                         std::string& text);
-
-  // The steps of update().
-  void fill(MaterialConfig<T>& config, std::string& findings);
-  void loadMaterial(MaterialConfig<T>& config, std::string& findings,
-                    Source& source);
-  void loadComposite(MaterialConfig<T>& config, std::string& findings,
-                     Source& source);
-  void setDensity(MaterialConfig<T>& config);
+  void loadAll(MaterialConfig<T>& config, std::string& findings);
   void correct(MaterialConfig<T> const& config, std::string& findings);
   void setJumpRatios(std::string& findings);
 };
