@@ -21,6 +21,7 @@
 #include "photarium/material/Edge.h"
 #include "photarium/material/EnergyLossConstants.h"
 #include "photarium/material/Line.h"
+#include "photarium/material/Material.h"
 #include "photarium/material/SubshellID.h"
 #include "photarium/spline/BiCLSpline.h"
 #include "photarium/spline/BiCSpline.h"

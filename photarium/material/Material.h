@@ -211,8 +211,7 @@ class Material {
 
  protected:
   /// A tabulated stretch: points, interpolation law, cubic spline or linear.
-  using Stretch = triple<std::multimap<T, T>,
-                         typename AttenuationCoeff<T>::Interpolation, bool>;
+  using Stretch = typename AttenuationCoeff<T>::MapStretch;
   using Fields = triple<std::pair<T, T>, std::pair<T, T>, std::pair<T, T>>;
 
   /// Normalises a database, packed or plain: lines without carriage returns at
@@ -250,7 +249,8 @@ class Material {
     std::string name;
     DBType type = Unknown;
   };
-  class Composite;
+  class Composite;   // loads and sums the elements of a composite
+  class ElamReader;  // one element of an ElamDB text
 
   // Normalises a text in place and recognises its format.
   static DBType normalise(std::string& text);
@@ -264,11 +264,23 @@ class Material {
   void parseMCNP(std::string_view text);
   void parse(std::string_view text, DBType type);
 
+  // What readDB() does; `source` becomes what this call read.
   void load(std::string const& db, std::string const& dir, DBType type,
             Source& source);
   void loadDefault(std::string const& dir, DBType type, Source& source);
   void loadFile(std::string const& db, std::string const& dir, Source& source);
-  void loadAll(MaterialConfig<T>& config, std::string& findings);
+  static std::string sourceText(std::string const& db, std::string const& dir,
+                                Source& source);
+  static DBType readList(std::string const& db, std::string const& dir,
+                         std::string& text);
+
+  // The steps of update().
+  void fill(MaterialConfig<T>& config, std::string& findings);
+  void loadMaterial(MaterialConfig<T>& config, std::string& findings,
+                    Source& source);
+  void loadComposite(MaterialConfig<T>& config, std::string& findings,
+                     Source& source);
+  void setDensity(MaterialConfig<T>& config);
   void correct(MaterialConfig<T> const& config, std::string& findings);
   void setJumpRatios(std::string& findings);
 };

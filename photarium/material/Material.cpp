@@ -1,0 +1,76 @@
+#include "photarium/material/Material.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "photarium/foundation/constants.h"
+#include "photarium/foundation/elements.h"
+#include "photarium/foundation/number.h"
+#include "photarium/foundation/text.h"
+
+namespace {
+
+// The row of the element tables for an atomic number that need not be whole, 0
+// where there is none.
+template <class T>
+std::size_t elementRow(T Z) {
+  return Z > 0 && Z < T(ElementsCount) ? static_cast<std::size_t>(Z) : 0;
+}
+
+// The atomic number of a symbol, 0 if it is none.
+std::size_t numberOf(std::string const& symbol) {
+  for (std::size_t z = 1; z < ElementsCount; ++z)
+    if (symbol == Elements[z]) return z;
+  return 0;
+}
+
+}  // namespace
+
+template <class T>
+Material<T>::Material(T z, T a, T density) : Z(z), A(a), Density(density) {
+  search();
+}
+
+template <class T>
+Material<T>::Material(std::string name, T z, T a, T density)
+    : Name(std::move(name)), Z(z), A(a), Density(density) {
+  search();
+}
+
+template <class T>
+void Material<T>::search() {
+  bool nameless = Name.empty();
+  std::vector<std::string> const words =
+      split<std::string>(Name, Blanks, /*keepEmpty=*/false);
+  std::uint32_t number = 0;
+  std::string_view word = words.size() == 1 ? words[0] : std::string_view();
+  if (extractNumber(word, number) && number != 0) {
+    Z = T(number);
+    nameless = true;
+  } else if (std::size_t const z = numberOf(Name)) {
+    Z = T(z);
+  }
+  if (std::size_t const row = elementRow(Z)) {
+    if (nameless) Name = Elements[row];
+    if (Density <= 0) Density = T(Densities[row]);
+    if (A <= 0) A = T(MassNumbers[row]);
+  }
+  if (EnergyLoss.empty()) EnergyLoss[EnergyLossConstants<T>(Z, T(0))] = 1;
+}
+
+template <class T>
+void Material<T>::initDataVec(std::vector<Stretch>& data, T const& threshold) {
+  data.push_back({{{T(0), T(0)}, {threshold, T(0)}},
+                  AttenuationCoeff<T>::Const,
+                  /*cubic=*/false});
+}
+
+template <class T>
+void Material<T>::initPairData(std::vector<Stretch>& data) {
+  initDataVec(data, T(2.2 * Constants::XME));
+}
+
+template class Material<double>;

@@ -1,0 +1,83 @@
+#include "photarium/material/readers.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <ios>
+#include <limits>
+#include <sstream>
+#include <stdexcept>
+#include <streambuf>
+#include <utility>
+
+#include "photarium/streams/PHMCBuffer.h"
+#include "photarium/streams/PHMCStream.h"
+
+namespace {
+
+constexpr std::size_t NoLimit = std::numeric_limits<std::size_t>::max();
+
+// Appends what is left in `in`, taking `first` bytes at once. Stops behind the
+// limit.
+void appendRest(std::streambuf& in, std::string& text, std::size_t first,
+                std::size_t limit = NoLimit) {
+  std::size_t size = text.size();
+  std::size_t got = 0;
+  std::size_t wanted = first;
+  do {
+    text.resize(size + wanted);
+    got = static_cast<std::size_t>(
+        in.sgetn(text.data() + size, static_cast<std::streamsize>(wanted)));
+    size += got;
+    std::size_t const full = wanted;
+    wanted = std::max(first, size);
+    if (got < full) break;
+  } while (size <= limit);
+  text.resize(size);
+}
+
+// A packed text may stand for a multiple of its size. Databases reach ten; the
+// limits keep a short hostile input from filling the memory.
+std::size_t unpackedLimit(std::size_t packedSize) {
+  constexpr std::size_t least = std::size_t{64} << 20;
+  return std::max(least, 64 * packedSize);
+}
+
+}  // namespace
+
+std::string remainingText(std::istream& in) {
+  std::string text;
+  if (in.good()) appendRest(*in.rdbuf(), text, std::size_t{1} << 16);
+  return text;
+}
+
+bool readFile(std::string const& path, std::string& text) {
+  text.clear();
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) return false;
+  std::ifstream file(path, std::ios::binary);
+  if (!file) return false;
+  auto const size = std::filesystem::file_size(path, ignored);
+  // What has no size, as a pipe, is taken in blocks. Two bytes more than the
+  // file holds see its end, and leave room for line ends.
+  std::size_t const first =
+      ignored || size == 0 ? std::size_t{1} << 16 : std::size_t(size) + 2;
+  try {
+    appendRest(*file.rdbuf(), text, first);
+  } catch (std::ios_base::failure const&) {
+    throw std::runtime_error("Could not read file");
+  }
+  return true;
+}
+
+void unpack(std::string& text) {
+  if (!text.starts_with(PHMCBuffer::Header)) return;
+  std::size_t const limit = unpackedLimit(text.size());
+  std::istringstream packed(std::move(text));
+  std::ostringstream unused;
+  PHMCStream stream(packed, unused, /*plain=*/false);
+  text.clear();
+  appendRest(*stream.rdbuf(), text, std::size_t{1} << 16, limit);
+  if (text.size() > limit) throw std::runtime_error("Packed text is too long");
+}
