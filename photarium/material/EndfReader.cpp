@@ -17,9 +17,6 @@ constexpr std::uint32_t PhotoAtomic = 3;
 constexpr std::uint32_t AtomicRelaxation = 6;
 constexpr std::uint32_t ElectroAtomic = 113;
 
-// [u], mass of the neutron: the unit of the weights in a file head.
-constexpr double NeutronWeight = Constants::mn / Constants::u;
-
 constexpr std::size_t ColumnsPerPoint = 2 * EndfFieldWidth;
 constexpr std::size_t ColumnsPerLine = 80;
 
@@ -35,13 +32,6 @@ std::string_view from(std::string_view text, std::size_t offset) {
   return text.substr(std::min(text.size(), offset));
 }
 
-template <class T>
-typename AttenuationCoeff<T>::Stretch zeroUpTo(T threshold) {
-  return {{{T(0), T(0)}, {threshold, T(0)}},
-          AttenuationCoeff<T>::Const,
-          /*cubic=*/false};
-}
-
 }  // namespace
 
 template <class T>
@@ -53,7 +43,7 @@ void EndfReader<T>::read(std::string_view text) {
               {&M::ElectronElastic, {}, true},  {&M::FormFactor, {}, false},
               {&M::ScatterFunction, {}, false}, {&M::AnomalousImag, {}, false},
               {&M::AnomalousReal, {}, false}};
-  results_[Pair].data.push_back(zeroUpTo(T(2.2 * Constants::XME)));
+  results_[Pair].data.push_back(zeroUpTo(T(PairThreshold)));
   if (material_.Z <= 99) {
     appendGeneral(targetMat_, material_.Z * 100);
     if (targetMat_.size() < 4) targetMat_.insert(0, 4 - targetMat_.size(), ' ');

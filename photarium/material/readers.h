@@ -3,7 +3,24 @@
 #include <istream>
 #include <string>
 
+#include "photarium/foundation/constants.h"
+#include "photarium/material/AttenuationCoeff.h"
+
 // What the database readers share. Not installed.
+
+/// [u], mass of the neutron: the unit of the weights in ENDF and ACE tables.
+inline constexpr double NeutronWeight = Constants::mn / Constants::u;
+
+/// [keV], above which the readers have pair production.
+inline constexpr double PairThreshold = 2.2 * Constants::XME;
+
+/// A stretch that is 0 up to `threshold`.
+template <class T>
+typename AttenuationCoeff<T>::Stretch zeroUpTo(T threshold) {
+  return {{{T(0), T(0)}, {threshold, T(0)}},
+          AttenuationCoeff<T>::Const,
+          /*cubic=*/false};
+}
 
 /// The whole rest of a stream, read past its formatting in large blocks. Leaves
 /// the state of the stream alone; what its buffer throws goes on.
