@@ -87,16 +87,16 @@ int IPCBuf::overflow(int c) {
       data += sent;
     }
   }
-  setp(put, put + Size);
+  setp(putArea, putArea + Size);
   return hasCharacter ? c : 0;
 }
 
 int IPCBuf::underflow() {
   if (!isConnected()) return Traits::eof();
-  long const received = Socket->receive(get, Size);
+  long const received = Socket->receive(getArea, Size);
   if (received < 1) return Traits::eof();
-  setg(get, get, get + received);
-  return Traits::to_int_type(get[0]);
+  setg(getArea, getArea, getArea + received);
+  return Traits::to_int_type(getArea[0]);
 }
 
 int IPCBuf::sync() {
@@ -104,16 +104,16 @@ int IPCBuf::sync() {
 }
 
 void IPCBuf::clearAreas() {
-  setg(get, get, get);
-  setp(put, put + Size);
+  setg(getArea, getArea, getArea);
+  setp(putArea, putArea + Size);
 }
 
 // The bytes of the other buffer, with positions in our own areas.
 void IPCBuf::copyAreas(IPCBuf const& other) {
-  std::copy(other.eback(), other.egptr(), get);
-  setg(get, get + (other.gptr() - other.eback()),
-       get + (other.egptr() - other.eback()));
-  std::copy(other.pbase(), other.pptr(), put);
-  setp(put, put + Size);
+  std::copy(other.eback(), other.egptr(), getArea);
+  setg(getArea, getArea + (other.gptr() - other.eback()),
+       getArea + (other.egptr() - other.eback()));
+  std::copy(other.pbase(), other.pptr(), putArea);
+  setp(putArea, putArea + Size);
   pbump(static_cast<int>(other.pptr() - other.pbase()));
 }

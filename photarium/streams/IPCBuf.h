@@ -72,6 +72,6 @@ class PHOTARIUM_EXPORT IPCBuf : public std::streambuf {
   void copyAreas(IPCBuf const& other);
 
   std::shared_ptr<Sockets::Handle> Socket;  // null: never connected
-  char get[Size];
-  char put[Size + 1];  // with a place for the character of overflow()
+  char getArea[Size];
+  char putArea[Size + 1];  // with a place for the character of overflow()
 };

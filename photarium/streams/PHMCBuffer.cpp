@@ -154,29 +154,29 @@ struct PHMCBuffer::Symbol {
 };
 
 PHMCBuffer::PHMCBuffer(std::istream& source, std::ostream& target, bool plain)
-    : in(&source), out(&target) {
+    : input(&source), output(&target) {
   writing.started = plain;
   writing.plain = plain;
-  setp(put, put + PutSize);
+  setp(putArea, putArea + PutSize);
 }
 
 PHMCBuffer::PHMCBuffer(PHMCBuffer const& other)
     : std::streambuf(other),
       lineLimit(other.lineLimit),
-      in(other.in),
-      out(other.out),
+      input(other.input),
+      output(other.output),
       reading(other.reading),
       writing(other.writing),
       readRun(other.readRun),
       writeRun(other.writeRun),
       rest(other.rest),
       scanned(other.scanned) {
-  std::copy(other.pbase(), other.pptr(), put);
-  setp(put, put + PutSize);
+  std::copy(other.pbase(), other.pptr(), putArea);
+  setp(putArea, putArea + PutSize);
   pbump(static_cast<int>(other.pptr() - other.pbase()));
-  std::copy(other.eback(), other.egptr(), get);
-  setg(get, get + (other.gptr() - other.eback()),
-       get + (other.egptr() - other.eback()));
+  std::copy(other.eback(), other.egptr(), getArea);
+  setg(getArea, getArea + (other.gptr() - other.eback()),
+       getArea + (other.egptr() - other.eback()));
 }
 
 PHMCBuffer::~PHMCBuffer() {
@@ -200,29 +200,29 @@ int PHMCBuffer::sync() {
 int PHMCBuffer::underflow() {
   std::size_t used = reading.started ? 0 : readHeader();
   if (reading.plain) {
-    in->read(get + used, static_cast<std::streamsize>(GetSize - used));
-    used += static_cast<std::size_t>(in->gcount());
+    input->read(getArea + used, static_cast<std::streamsize>(GetSize - used));
+    used += static_cast<std::size_t>(input->gcount());
   } else {
     decode(used);
   }
   if (used == 0) return Traits::eof();
-  setg(get, get, get + used);
-  return Traits::to_int_type(get[0]);
+  setg(getArea, getArea, getArea + used);
+  return Traits::to_int_type(getArea[0]);
 }
 
 // Bytes of plain text that stand where the magic was looked for.
 std::size_t PHMCBuffer::readHeader() {
   reading.started = true;
-  in->read(get, static_cast<std::streamsize>(Magic.size()));
-  auto const size = static_cast<std::size_t>(in->gcount());
-  if (std::string_view(get, size) == Magic) return 0;
+  input->read(getArea, static_cast<std::streamsize>(Magic.size()));
+  auto const size = static_cast<std::size_t>(input->gcount());
+  if (std::string_view(getArea, size) == Magic) return 0;
   reading.plain = true;
   return size;
 }
 
 void PHMCBuffer::fetch() {
-  int const byte = in->get();
-  if (in->fail()) throw std::runtime_error("Not enough bits in input!");
+  int const byte = input->get();
+  if (input->fail()) throw std::runtime_error("Not enough bits in input!");
   reading.bits |= static_cast<unsigned int>(byte)
                   << (WindowBits - 8 - reading.count);
   reading.count += 8;
@@ -245,7 +245,8 @@ unsigned int PHMCBuffer::extract(int nbits) {
 
 // What is not there shows once it is needed, by fetch().
 bool PHMCBuffer::prefetch() {
-  return in->good() && fetchCode(*in->rdbuf(), reading.bits, reading.count);
+  return input->good() &&
+         fetchCode(*input->rdbuf(), reading.bits, reading.count);
 }
 
 PHMCBuffer::Symbol PHMCBuffer::nextSymbol() const {
@@ -272,7 +273,7 @@ PHMCBuffer::Symbol PHMCBuffer::takeSymbol() {
 void PHMCBuffer::decode(std::size_t& used) {
   deliverRest(used);
   deliver(used);
-  if (in->fail()) return;
+  if (input->fail()) return;
   while (used < GetSize && !reading.finished) {
     decodeInside();
     decodeRun();
@@ -291,7 +292,7 @@ void PHMCBuffer::decodeInside() {
   std::size_t const room = std::min(left, chunkSize);
   if (room < sizeof(Step) || !prefetch()) return;
   char const* const above = reading.second.data() + reading.first.size();
-  std::streambuf& source = *in->rdbuf();
+  std::streambuf& source = *input->rdbuf();
   unsigned int bits = reading.bits;
   int count = reading.count;
   std::size_t length = 0;
@@ -328,7 +329,7 @@ void PHMCBuffer::decodeRun() {
     readRun = {factor, symbol.meaning};
 }
 
-// Applies the run to the text as far as the get area has room.
+// Applies the run to the text as far as the getArea area has room.
 void PHMCBuffer::deliver(std::size_t& used) {
   std::string& line = reading.first;
   std::string const& above = reading.second;
@@ -353,7 +354,7 @@ void PHMCBuffer::deliver(std::size_t& used) {
 
 void PHMCBuffer::outputString(std::string& s, std::size_t& used) {
   std::size_t const size = std::min(GetSize - used, s.size());
-  s.copy(get + used, size);
+  s.copy(getArea + used, size);
   used += size;
   s.erase(0, size);
 }
@@ -369,12 +370,12 @@ void PHMCBuffer::deliverRest(std::size_t& used) {
   std::string const& line = reading.second;
   if (rest > 1) {
     std::size_t const begin = line.size() + 1 - rest;
-    std::size_t const size = line.copy(get + used, GetSize - used, begin);
+    std::size_t const size = line.copy(getArea + used, GetSize - used, begin);
     used += size;
     rest -= size;
   }
   if (rest != 1 || used == GetSize) return;
-  get[used++] = '\n';
+  getArea[used++] = '\n';
   rest = 0;
 }
 
@@ -480,10 +481,10 @@ void PHMCBuffer::addRun(std::uint64_t count, unsigned int code, int nbits,
 int PHMCBuffer::overflow(int c) {
   auto size = static_cast<std::size_t>(pptr() - pbase());
   if (!Traits::eq_int_type(c, Traits::eof()))
-    put[size++] = Traits::to_char_type(c);
+    putArea[size++] = Traits::to_char_type(c);
   if (size == 0) return 0;
-  std::string_view const text(put, size);
-  setp(put, put + PutSize);
+  std::string_view const text(putArea, size);
+  setp(putArea, putArea + PutSize);
   if (!writing.started) {
     writing.started = true;
     writing.plain = text.starts_with(Magic);
@@ -499,7 +500,7 @@ int PHMCBuffer::overflow(int c) {
 }
 
 void PHMCBuffer::writeText(std::string_view text) {
-  out->write(text.data(), static_cast<std::streamsize>(text.size()));
+  output->write(text.data(), static_cast<std::streamsize>(text.size()));
 }
 
 void PHMCBuffer::eof() {
@@ -509,18 +510,18 @@ void PHMCBuffer::eof() {
     repeat(1, EndCode.value, EndCode.bits);
     write(/*flushAll=*/true);
   }
-  out->flush();
+  output->flush();
   writing.finished = true;
 }
 
 void PHMCBuffer::write(bool flushAll) {
   while (writing.count >= 8) {
     writing.count -= 8;
-    out->put(static_cast<char>(writing.bits >> writing.count & 255));
+    output->put(static_cast<char>(writing.bits >> writing.count & 255));
     writing.bits &= (1u << writing.count) - 1;
   }
   if (!flushAll || writing.count == 0) return;
-  out->put(static_cast<char>(writing.bits << (8 - writing.count) & 255));
+  output->put(static_cast<char>(writing.bits << (8 - writing.count) & 255));
   writing.bits = 0;
   writing.count = 0;
 }
@@ -552,7 +553,7 @@ void PHMCBuffer::newline(std::size_t count) {
 
 void PHMCBuffer::encode(bool final) {
   writing.first.erase(0, transformLines(final));
-  BitSink sink(writing.bits, writing.count, *out);
+  BitSink sink(writing.bits, writing.count, *output);
   auto const addHeldBack = [&] {
     if (writeRun.count == 0) return;
     Code const code = codeOf(writeRun.symbol);

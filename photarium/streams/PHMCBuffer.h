@@ -170,12 +170,12 @@ class PHOTARIUM_EXPORT PHMCBuffer : public std::streambuf {
   std::size_t lineEnd(std::size_t begin) const;
   void transformLine(std::string_view line);
 
-  std::istream* in;
-  std::ostream* out;
+  std::istream* input;
+  std::ostream* output;
   StreamState reading;
   StreamState writing;
-  char put[PutSize + 1];  // with a place for the character of overflow()
-  char get[GetSize];
+  char putArea[PutSize + 1];  // with a place for the character of overflow()
+  char getArea[GetSize];
   Run readRun;
   Run writeRun;
   std::size_t rest = 0;     // bytes of the previous line, with its line feed,
