@@ -10,18 +10,20 @@
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/time.h>
 #include <unistd.h>
 
 #include <cerrno>
 #endif
 
+#include <climits>
 #include <cstddef>
-#include <limits>
 #include <stdexcept>
 #include <string>
 
 namespace Sockets {
+
+// Longest wait for a peer that does not read.
+constexpr int SendMilliseconds = 2000;
 
 #ifdef _WIN32
 
@@ -54,6 +56,15 @@ inline void closeNative(Native socket) {
 inline bool awaitConnection(Native) {
   return false;
 }
+inline bool awaitRoom(Native) {
+  return false;
+}
+// Windows bounds the wait by itself.
+inline void prepare(Native socket) {
+  DWORD const limit = SendMilliseconds;
+  setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO,
+             reinterpret_cast<char const*>(&limit), sizeof(limit));
+}
 
 #else
 
@@ -65,9 +76,9 @@ constexpr int SocketFlags = SOCK_CLOEXEC;
 constexpr int SocketFlags = 0;
 #endif
 #ifdef MSG_NOSIGNAL
-constexpr int SendFlags = MSG_NOSIGNAL;
+constexpr int SendFlags = MSG_DONTWAIT | MSG_NOSIGNAL;
 #else
-constexpr int SendFlags = 0;
+constexpr int SendFlags = MSG_DONTWAIT;
 #endif
 
 inline void start() {}
@@ -79,16 +90,35 @@ inline bool wasInterrupted() {
 inline void closeNative(Native socket) {
   ::close(socket);
 }
+inline bool awaitWritable(Native socket, int milliseconds) {
+  pollfd event{socket, POLLOUT, 0};
+  int ready = 0;
+  do {
+    ready = poll(&event, 1, milliseconds);
+  } while (ready < 0 && wasInterrupted());
+  return ready > 0;
+}
 // An attempt that a signal interrupted goes on by itself.
 inline bool awaitConnection(Native socket) {
-  pollfd event{socket, POLLOUT, 0};
-  while (poll(&event, 1, -1) < 0 && wasInterrupted()) {
-  }
   int error = 0;
   socklen_t size = sizeof(error);
-  return getsockopt(socket, SOL_SOCKET, SO_ERROR, &error, &size) == 0 &&
+  return awaitWritable(socket, /*milliseconds=*/-1) &&
+         getsockopt(socket, SOL_SOCKET, SO_ERROR, &error, &size) == 0 &&
          error == 0;
 }
+// True where a peer that had not read enough has done so in time.
+inline bool awaitRoom(Native socket) {
+  bool const isFull = errno == EAGAIN || errno == EWOULDBLOCK;
+  return isFull && awaitWritable(socket, SendMilliseconds);
+}
+#ifdef SO_NOSIGPIPE
+inline void prepare(Native socket) {
+  int const yes = 1;
+  setsockopt(socket, SOL_SOCKET, SO_NOSIGPIPE, &yes, sizeof(yes));
+}
+#else
+inline void prepare(Native) {}
+#endif
 
 #endif
 
@@ -137,12 +167,12 @@ class Handle {
   /// True if the peer at `entry` took the connection.
   bool connect(addrinfo const& entry) {
     auto const length = entry.ai_addrlen;
-    if (length > std::size_t(std::numeric_limits<int>::max()))
+    if (length > std::size_t(INT_MAX))
       throw std::runtime_error("Hostname too long.\n");
     bool const isConnected =
         ::connect(native, entry.ai_addr, static_cast<socklen_t>(length)) == 0 ||
         (wasInterrupted() && awaitConnection(native));
-    if (isConnected) boundSend();
+    if (isConnected) prepare(native);
     return isConnected;
   }
 
@@ -154,7 +184,7 @@ class Handle {
     do {
       sent = static_cast<long>(
           ::send(native, data, static_cast<Size>(size), SendFlags));
-    } while (sent < 0 && wasInterrupted());
+    } while (sent < 0 && (wasInterrupted() || awaitRoom(native)));
     isBroken = sent < 0;
     return sent;
   }
@@ -170,25 +200,6 @@ class Handle {
   }
 
  private:
-  static constexpr int SendSeconds = 2;
-
-  // Longest wait for a peer that does not read, and no signal from one that is
-  // gone. A system that knows neither sends all the same.
-  void boundSend() {
-#ifdef _WIN32
-    DWORD const limit = 1000 * SendSeconds;  // [ms]
-    setsockopt(native, SOL_SOCKET, SO_SNDTIMEO,
-               reinterpret_cast<char const*>(&limit), sizeof(limit));
-#else
-    timeval const limit{SendSeconds, 0};
-    setsockopt(native, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof(limit));
-#ifdef SO_NOSIGPIPE
-    int const yes = 1;
-    setsockopt(native, SOL_SOCKET, SO_NOSIGPIPE, &yes, sizeof(yes));
-#endif
-#endif
-  }
-
 #ifdef _WIN32
   using Size = int;
 #else
