@@ -75,7 +75,7 @@ class Config {
   static constexpr std::size_t MaxRepeats = 100000;
 
   /// Largest total of names, keys and values in repeated applications [bytes].
-  static constexpr std::size_t MaxRepeatedText = std::size_t{1} << 26;
+  static constexpr std::size_t MaxRepeatedText = std::size_t{1} << 28;
 
   Config();
 

@@ -42,9 +42,6 @@ class PlotConfig : public GridConfig<T>,
  protected:
   using Config<T>::parse;
   void parse(OptionMap const& options, bool chain) override;
-
- private:
-  void keepOneKind();
 };
 
 extern template class PHOTARIUM_EXPORT PlotConfig<double>;
