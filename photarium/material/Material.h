@@ -53,6 +53,8 @@ class Material {
   /// Absorption edges in the order of the database; those of a composite stand
   /// one element after the other, as they are in the pure element.
   std::vector<Edge<T>> Edges;
+  /// Weights by mass of the elements, by symbol, as update() found them.
+  std::map<std::string, T> Shares;
 
   // Cross sections for photons [cm^2/g] of energy [keV].
   AttenuationCoeff<T> Absorption;  // photoelectric

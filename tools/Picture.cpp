@@ -1,0 +1,231 @@
+#include "tools/Picture.h"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+#include <stdexcept>
+
+#include "photarium/foundation/number.h"
+#include "photarium/foundation/text.h"
+#include "tools/Output.h"
+#include "tools/command.h"
+
+extern char** environ;
+
+namespace Tool {
+namespace {
+
+// Colours that remain distinct for the colour-blind: M. Okabe, K. Ito, Color
+// Universal Design (2008).
+constexpr char const* Colours[] = {"#0072B2", "#D55E00", "#009E73", "#CC79A7",
+                                   "#E69F00", "#56B4E9", "#000000"};
+constexpr std::size_t ColourCount = sizeof(Colours) / sizeof(Colours[0]);
+
+// Marks nearer to each other than this share of the axis would overlap.
+constexpr double MarkDistance = 0.022;
+
+constexpr int Digits = 9;  // of a plotted number
+
+// A text in single quotes, in which gnuplot takes every character for itself
+// but the quote, and a line end for the end of the command.
+std::string quoted(std::string const& text) {
+  std::string out = "'";
+  for (char const c : text) {
+    if (c == '\'')
+      out += "''";
+    else
+      out += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
+  }
+  return out + "'";
+}
+
+std::string number(double value) {
+  std::string text;
+  appendGeneral(text, value, Digits);
+  return text;
+}
+
+bool isShown(double value, bool logarithmic) {
+  return std::isfinite(value) && (!logarithmic || value > 0);
+}
+
+// The data of one curve; a point that has no place leaves a gap.
+std::string dataBlock(PicturePage const& page, std::size_t index) {
+  std::string block = "$curve" + std::to_string(index) + " << EndOfCurve\n";
+  for (auto const& [x, y] : page.curves[index].points)
+    block += isShown(x, page.logX) && isShown(y, page.logY)
+                 ? number(x) + ' ' + number(y) + '\n'
+                 : "\n";
+  return block + "EndOfCurve\n";
+}
+
+struct Span {
+  double low, high;
+};
+
+Span abscissas(PicturePage const& page) {
+  Span span{HUGE_VAL, -HUGE_VAL};
+  for (auto const& curve : page.curves)
+    for (auto const& [x, y] : curve.points)
+      if (isShown(x, page.logX) && isShown(y, page.logY))
+        span = {std::min(span.low, x), std::max(span.high, x)};
+  return span;
+}
+
+// Thin vertical lines with their names inside the upper margin.
+std::string markCommands(PicturePage const& page, Span span) {
+  auto const place = [&](double x) {
+    return page.logX ? std::log(x / span.low) / std::log(span.high / span.low)
+                     : (x - span.low) / (span.high - span.low);
+  };
+  auto marks = page.marks;
+  std::sort(marks.begin(), marks.end(),
+            [](auto const& a, auto const& b) { return a.x > b.x; });
+  std::string commands;
+  double last = HUGE_VAL;
+  for (auto const& mark : marks) {
+    if (!(mark.x > span.low && mark.x < span.high)) continue;
+    std::string const x = number(mark.x);
+    commands += "set arrow from first " + x + ", graph 0 to first " + x +
+                ", graph 1 nohead back lw 0.6 dt 3 lc '#999999'\n";
+    double const at = place(mark.x);
+    if (last - at < MarkDistance) continue;
+    last = at;
+    commands += "set label " + quoted(mark.text) + " at first " + x +
+                ", graph 0.02 rotate by 90 left offset character -0.6,0 "
+                "noenhanced font ',10' tc '#666666'\n";
+  }
+  return commands;
+}
+
+std::string axisCommands(PicturePage const& page) {
+  std::string commands;
+  if (page.logX) commands += "set logscale x\n";
+  if (page.logY) commands += "set logscale y\nset format y '10^{%L}'\n";
+  commands += "set xlabel " + quoted(page.xLabel) + " noenhanced\n";
+  commands += "set ylabel " + quoted(page.yLabel) + " noenhanced\n";
+  commands += "set title " + quoted(page.title) + " noenhanced\n";
+  return commands;
+}
+
+std::string plotCommand(PicturePage const& page) {
+  std::string command = "plot";
+  char const* separator = " ";
+  for (std::size_t i = 0; i < page.curves.size(); ++i) {
+    command += separator;
+    command += "$curve" + std::to_string(i) + " using 1:2 with lines lw 2 lc '";
+    command += Colours[i % ColourCount];
+    command += i < ColourCount ? "' dt 1 title " : "' dt 2 title ";
+    command += quoted(page.curves[i].legend) + " noenhanced";
+    separator = ", ";
+  }
+  return command + "\n";
+}
+
+std::string script(PicturePage const& page, bool isVector) {
+  Span const span = abscissas(page);
+  if (!(span.low < span.high))
+    throw std::runtime_error("Nothing to draw: " + page.title);
+  std::string text =
+      isVector ? "set terminal svg size 900,600 enhanced font 'sans-serif,14' "
+                 "background 'white'\n"
+               : "set terminal pngcairo size 1200,800 enhanced font "
+                 "'sans-serif,15' background 'white'\n";
+  text += "set encoding utf8\nset border 31 lw 1\nset tics scale 0.6\n"
+          "set grid lw 0.5 lc '#dddddd'\nset key top right noenhanced\n"
+          "set xrange [" + number(span.low) + ":" + number(span.high) + "]\n";
+  text += axisCommands(page) + markCommands(page, span);
+  for (std::size_t i = 0; i < page.curves.size(); ++i)
+    text += dataBlock(page, i);
+  return text + plotCommand(page);
+}
+
+// A pipe whose ends close with the object.
+struct Pipe {
+  Pipe() {
+    if (pipe2(ends, O_CLOEXEC) != 0)
+      throw std::runtime_error(std::string("No pipe to gnuplot: ") +
+                               std::strerror(errno));
+  }
+  Pipe(Pipe const&) = delete;
+  Pipe& operator=(Pipe const&) = delete;
+  ~Pipe() {
+    closeEnd(0);
+    closeEnd(1);
+  }
+  void closeEnd(int i) {
+    if (ends[i] >= 0) close(ends[i]);
+    ends[i] = -1;
+  }
+
+  int ends[2] = {-1, -1};
+};
+
+// Starts gnuplot, which reads commands from `in` and writes the picture to
+// `out`.
+pid_t startGnuplot(int in, int out) {
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_adddup2(&actions, in, STDIN_FILENO);
+  posix_spawn_file_actions_adddup2(&actions, out, STDOUT_FILENO);
+  char name[] = "gnuplot";
+  char* arguments[] = {name, nullptr};
+  pid_t child = 0;
+  int const error =
+      posix_spawnp(&child, name, &actions, nullptr, arguments, environ);
+  posix_spawn_file_actions_destroy(&actions);
+  if (error == ENOENT)
+    throw std::runtime_error(
+        "No picture: gnuplot is not installed (Debian: apt-get install "
+        "gnuplot-nox)");
+  if (error != 0)
+    throw std::runtime_error(std::string("No picture: gnuplot: ") +
+                             std::strerror(error));
+  return child;
+}
+
+bool succeeded(pid_t child) {
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0)
+    if (errno != EINTR) return false;
+  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+bool send(std::string const& text, int descriptor) {
+  DescriptorBuffer buffer(descriptor);
+  buffer.sputn(text.data(), static_cast<std::streamsize>(text.size()));
+  return buffer.pubsync() == 0;
+}
+
+}  // namespace
+
+Picture::Picture(std::string const& file) : file_(file) {
+  if (file.empty()) return;
+  std::string const name = tolower(file);
+  isVector_ = name.ends_with(".svg");
+  if (!isVector_ && !name.ends_with(".png"))
+    throw UsageError("A picture is named .svg or .png, not " + file);
+}
+
+void Picture::draw(PicturePage const& page) const {
+  if (!isWanted()) return;
+  std::string const commands = script(page, isVector_);
+  SafeFile picture(file_);
+  Pipe pipe;
+  pid_t const child = startGnuplot(pipe.ends[0], picture.descriptor());
+  pipe.closeEnd(0);
+  bool const sent = send(commands, pipe.ends[1]);
+  pipe.closeEnd(1);
+  bool const drawn = succeeded(child);
+  if (!sent || !drawn || picture.size() == 0)
+    throw std::runtime_error("gnuplot could not draw " + file_);
+  picture.keep();
+}
+
+}  // namespace Tool

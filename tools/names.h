@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+#include "photarium/material/SubshellID.h"
+
+namespace Tool {
+
+/// The name of a level as people write it: "K", "L3".
+std::string shellName(subshell shell);
+
+/// The same with its element: "Cu K".
+std::string nameOf(SubshellID const& level);
+
+}  // namespace Tool
