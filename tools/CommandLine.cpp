@@ -63,8 +63,7 @@ std::string CommandLine::value(std::string const& option) const {
 
 CommandLine::Parsed CommandLine::parse(std::string const& argument) {
   std::size_t const mark = argument.find_first_of("=:");
-  bool const isOption =
-      mark != std::string::npos || isOptionName(argument);
+  bool const isOption = mark != std::string::npos || isOptionName(argument);
   std::string key = argument.substr(0, mark);
   if (isOptionName(key)) key.erase(0, 2);
   return {tolower(key),
@@ -84,8 +83,7 @@ void CommandLine::take(Arguments const& arguments) {
   for (std::size_t i = 0; i < arguments.size();) {
     std::string const& argument = arguments[i++];
     Parsed const parsed = parse(argument);
-    bool const isPath =
-        argument.starts_with('.') || argument.starts_with('/');
+    bool const isPath = argument.starts_with('.') || argument.starts_with('/');
     if (takesFiles_ && (!parsed.isOption || isPath)) {
       files_.push_back(argument);
       continue;
@@ -105,8 +103,7 @@ void CommandLine::take(Arguments const& arguments) {
 }
 
 std::size_t CommandLine::takeOwn(Option const& option, std::string value,
-                                 Arguments const& arguments,
-                                 std::size_t next) {
+                                 Arguments const& arguments, std::size_t next) {
   if (option.value.empty()) {
     values_[option.name] = value.empty() ? "true" : tolower(value);
     return next;
@@ -114,8 +111,7 @@ std::size_t CommandLine::takeOwn(Option const& option, std::string value,
   if (value.empty() && next < arguments.size() &&
       !isOptionName(arguments[next]))
     value = arguments[next++];
-  if (value.empty())
-    throw UsageError("Argument expected for: " + option.name);
+  if (value.empty()) throw UsageError("Argument expected for: " + option.name);
   values_[option.name] = value;
   return next;
 }
@@ -133,7 +129,8 @@ void CommandLine::configure(Config<double>& settings,
     // The text of a lone "--help" has no message ahead of the empty line.
     std::string const text = error.what();
     if (text.starts_with('\n')) throw Help(usage + text.substr(1) + ownHelp());
-    throw UsageError(text);
+    // The usage text behind other messages would bury them.
+    throw UsageError(text.substr(0, text.find("\n\n")));
   }
 }
 

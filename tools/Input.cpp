@@ -14,8 +14,10 @@ Input::Input(std::string const& name)
   std::ios::sync_with_stdio(false);  // else every character is a call
   if (isStandard_) return;
   std::error_code ignored;
-  if (std::filesystem::is_directory(name, ignored)) errno = EISDIR;
-  else file_.open(name, std::ios::binary);
+  if (std::filesystem::is_directory(name, ignored))
+    errno = EISDIR;
+  else
+    file_.open(name, std::ios::binary);
   if (!file_.is_open())
     throw std::runtime_error("Could not open " + name_ + ": " +
                              std::strerror(errno));

@@ -137,9 +137,11 @@ std::string script(PicturePage const& page, bool isVector) {
                  "background 'white'\n"
                : "set terminal pngcairo size 1200,800 enhanced font "
                  "'sans-serif,15' background 'white'\n";
-  text += "set encoding utf8\nset border 31 lw 1\nset tics scale 0.6\n"
-          "set grid lw 0.5 lc '#dddddd'\nset key top right noenhanced\n"
-          "set xrange [" + number(span.low) + ":" + number(span.high) + "]\n";
+  text +=
+      "set encoding utf8\nset border 31 lw 1\nset tics scale 0.6\n"
+      "set grid lw 0.5 lc '#dddddd'\nset key top right noenhanced\n"
+      "set xrange [" +
+      number(span.low) + ":" + number(span.high) + "]\n";
   text += axisCommands(page) + markCommands(page, span);
   for (std::size_t i = 0; i < page.curves.size(); ++i)
     text += dataBlock(page, i);

@@ -36,7 +36,8 @@ struct PicturePage {
 ///     picture.draw(page);
 ///
 /// Values that a logarithmic axis cannot show are left out. The file appears
-/// complete or not at all. No text reaches gnuplot other than as data or quoted.
+/// complete or not at all. No text reaches gnuplot other than as data or
+/// quoted.
 class Picture {
  public:
   /// An empty name asks for no picture. Throws UsageError for a name that ends

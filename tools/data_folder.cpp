@@ -41,8 +41,7 @@ std::string fromEnvironment() {
   if (holdsData(folder)) return folder.string();
   if (folder.filename() == "data" && holdsData(folder.parent_path()))
     return folder.parent_path().string();
-  report("PHOTARIUM_DATA names no folder that holds data/: " +
-         folder.string());
+  report("PHOTARIUM_DATA names no folder that holds data/: " + folder.string());
   return "";
 }
 

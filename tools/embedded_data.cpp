@@ -9,12 +9,12 @@
 #include <string_view>
 
 // The assembler copies the files into the object as they stand.
-#define PHOTARIUM_EMBED(symbol, file)                \
-  asm(".section .rodata\n"                           \
-      ".global " #symbol "Begin, " #symbol "End\n"   \
-      #symbol "Begin:\n.incbin \"" file "\"\n"       \
-      #symbol "End:\n.byte 0\n"                      \
-      ".previous\n");                                \
+#define PHOTARIUM_EMBED(symbol, file)                      \
+  asm(".section .rodata\n"                                 \
+      ".global " #symbol "Begin, " #symbol "End\n" #symbol \
+      "Begin:\n.incbin \"" file "\"\n" #symbol             \
+      "End:\n.byte 0\n"                                    \
+      ".previous\n");                                      \
   extern "C" char const symbol##Begin[], symbol##End[]
 
 PHOTARIUM_EMBED(photariumDatabase, PHOTARIUM_DATABASE_FILE);

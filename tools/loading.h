@@ -1,7 +1,6 @@
 #pragma once
 
 #include "photarium/config/MaterialConfig.h"
-#include "photarium/config/SpectConfig.h"
 #include "photarium/material/Material.h"
 
 namespace Tool {
@@ -11,11 +10,8 @@ namespace Tool {
 /// files that were tried.
 void load(Material<double>& material, MaterialConfig<double>& settings);
 
-/// The same with the bremsstrahlung data.
-void load(Material<double>& material, SpectConfig<double>& settings);
-
-/// Checks the settings: prints what a check corrects, throws UsageError for what
-/// cannot be used. Belongs behind load(), which looks the density up.
+/// Checks the settings: prints what a check corrects, throws UsageError for
+/// what cannot be used. Belongs behind load(), which looks the density up.
 void check(Config<double>& settings);
 
 }  // namespace Tool

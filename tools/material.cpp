@@ -1,5 +1,7 @@
 // material: what is known of a material, as text or as JSON.
 
+#include "photarium/material/Material.h"
+
 #include <cmath>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -13,7 +15,6 @@
 #include "photarium/foundation/elements.h"
 #include "photarium/foundation/number.h"
 #include "photarium/foundation/text.h"
-#include "photarium/material/Material.h"
 #include "tools/CommandLine.h"
 #include "tools/Output.h"
 #include "tools/command.h"
@@ -122,11 +123,11 @@ Json edgeJson(Edge<double> const& edge) {
 }
 
 Json stoppingJson(EnergyLossConstants<double> const& constants, double weight) {
-  return {{"mass_fraction", weight},   {"J_keV", constants.J},
-          {"C", constants.C},          {"x0", constants.x0},
-          {"x1", constants.x1},        {"a", constants.a},
-          {"m", constants.m},          {"delta0", constants.delta0},
-          {"Ef_keV", constants.Ef},    {"radiative", constants.RL}};
+  return {{"mass_fraction", weight}, {"J_keV", constants.J},
+          {"C", constants.C},        {"x0", constants.x0},
+          {"x1", constants.x1},      {"a", constants.a},
+          {"m", constants.m},        {"delta0", constants.delta0},
+          {"Ef_keV", constants.Ef},  {"radiative", constants.RL}};
 }
 
 Json curveJson(Contents const& contents) {
@@ -138,14 +139,10 @@ Json curveJson(Contents const& contents) {
 
 std::string toJson(MaterialConfig<double> const& settings,
                    Material<double> const& material) {
-  Json json{{"name", material.Name},
-            {"Z", material.Z},
-            {"A_g_mol", material.A},
-            {"density_g_cm3", material.Density},
-            {"composition", Json::array()},
-            {"edges", Json::array()},
-            {"stopping", Json::array()},
-            {"curves", Json::object()}};
+  Json json{{"name", material.Name},        {"Z", material.Z},
+            {"A_g_mol", material.A},        {"density_g_cm3", material.Density},
+            {"composition", Json::array()}, {"edges", Json::array()},
+            {"stopping", Json::array()},    {"curves", Json::object()}};
   for (auto const& part : composition(material))
     json["composition"].push_back({{"element", part.symbol},
                                    {"mass_fraction", part.byMass},
@@ -212,7 +209,8 @@ std::string toText(MaterialConfig<double> const& settings,
                      "\nA: " + number(material.A) + " g/mol\n";
   text += "Format: " + printed(settings.DataType) + "\n";
   for (auto const& file : files(settings)) text += "Database: " + file + "\n";
-  text += "Corrections: " + settings.CorrFile + "\n\nComposition by mass and by "
+  text += "Corrections: " + settings.CorrFile +
+          "\n\nComposition by mass and by "
           "atoms\n";
   for (auto const& part : composition(material))
     text += row({{part.symbol, 4},

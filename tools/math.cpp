@@ -28,7 +28,8 @@ constexpr char Usage[] =
     "photarium math FIRST SECOND --operation WORD [OPTIONS]: add, subtract, "
     "multiply or\ndivide spectrum files, packed or plain; \"-\" is standard "
     "input. The second is\nbrought onto the nodes of the first. \"--operation "
-    "rebin\" does that alone; with one\nfile the nodes are those of --gridfile, "
+    "rebin\" does that alone; with one\nfile the nodes are those of "
+    "--gridfile, "
     "or of --kVp and --EBin.\n\n";
 
 // A spectrum and what its file says of it.
@@ -79,9 +80,8 @@ bool isProduct(Math::Operations operation) {
 std::map<double const, double> brought(Spectrum const& second,
                                        Spectrum const& first,
                                        MathConfig<double> const& settings) {
-  bool const outBinned =
-      first.settings.Bin &&
-      (second.settings.Bin || !isProduct(settings.Operation));
+  bool const outBinned = first.settings.Bin && (second.settings.Bin ||
+                                                !isProduct(settings.Operation));
   std::map<double const, double> grid;
   Grid::InitGrid(first.grid, grid, 0.);
   Grid::ConvGrid(second.grid, grid, second.settings.Bin, outBinned,
@@ -172,8 +172,7 @@ PicturePage pageOf(Spectrum const& first, Spectrum const& second,
 void reportInfinite(std::map<double const, double> const& grid) {
   std::size_t count = 0;
   for (auto const& [energy, value] : grid) count += std::isinf(value);
-  if (count != 0)
-    report(std::to_string(count) + " infinite values left out");
+  if (count != 0) report(std::to_string(count) + " infinite values left out");
 }
 
 // With one file and "rebin" the nodes come from the settings.

@@ -169,10 +169,10 @@ std::vector<double> pictureEnergies(std::vector<double> const& grid,
 
 PicturePage factorPage(Plot const& plot, Material<double> const& material,
                        AttenuationCoeff<double> const& factor) {
-  PicturePage page{material.Name,
-                   isOverMomentum(plot) ? "momentum transfer [1/Å]"
-                                        : "photon energy [keV]",
-                   factorName(plot)};
+  PicturePage page{
+      material.Name,
+      isOverMomentum(plot) ? "momentum transfer [1/Å]" : "photon energy [keV]",
+      factorName(plot)};
   page.curves = {{factorName(plot), nodesOf(factor)}};
   // The anomalous factors change sign.
   page.logY = isOverMomentum(plot);
@@ -186,11 +186,10 @@ PicturePage pageOf(Plot const& plot, Material<double> const& material,
   bool const isEfficiency = plot.Efficiency && !plot.ACRP;
   std::string density;
   appendGeneral(density, material.Density);
-  PicturePage page{material.Name + ", " + density + " g/cm³",
-                   plot.eElScatter ? "electron energy [keV]"
-                                   : "photon energy [keV]",
-                   isEfficiency ? "efficiency"
-                                : "linear attenuation coefficient [1/cm]"};
+  PicturePage page{
+      material.Name + ", " + density + " g/cm³",
+      plot.eElScatter ? "electron energy [keV]" : "photon energy [keV]",
+      isEfficiency ? "efficiency" : "linear attenuation coefficient [1/cm]"};
   page.logY = !isEfficiency;
   auto const energies = pictureEnergies(grid, material);
   for (auto const& [name, values] : sample(plot, material, energies)) {

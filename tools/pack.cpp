@@ -7,9 +7,9 @@
 
 #include "photarium/streams/PHMCStream.h"
 #include "tools/CommandLine.h"
+#include "tools/Input.h"
 #include "tools/Output.h"
 #include "tools/command.h"
-#include "tools/Input.h"
 
 namespace Tool {
 namespace {
