@@ -1,10 +1,16 @@
 #include "photarium/foundation/number.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
 #include <limits>
 #include <system_error>
+#include <utility>
 
 namespace {
 
@@ -12,78 +18,303 @@ bool isBlank(char c) {
   return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
+// The value of a digit; above 9 for any other character.
+unsigned digitOf(char c) {
+  return static_cast<unsigned char>(c) - unsigned{'0'};
 }
 
-void skipBlanks(std::string_view& text) {
+bool isDigit(char c) {
+  return digitOf(c) < 10;
+}
+
+// False if nothing is left behind the blanks.
+bool skipBlanks(std::string_view& text) {
   std::size_t n = 0;
   while (n < text.size() && isBlank(text[n])) ++n;
   text.remove_prefix(n);
+  return !text.empty();
 }
 
-// Length of the characters that a stream collects for a floating-point number:
-// sign, digits with one point, and behind a digit an exponent with its sign.
-std::size_t floatLength(std::string_view text) {
-  std::size_t n = 0;
-  if (n < text.size() && (text[n] == '+' || text[n] == '-')) ++n;
-  bool point = false;
-  bool digits = false;
-  for (; n < text.size(); ++n) {
-    if (isDigit(text[n])) {
-      digits = true;
-    } else if (text[n] == '.' && !point) {
-      point = true;
-    } else {
-      break;
+// From decimal digits to a double.
+
+constexpr int MaxDigits = 19;  // so many always fit 64 bits
+
+constexpr std::uint64_t WholeTens[] = {1,     10,     100,     1000,
+                                       10000, 100000, 1000000, 10000000};
+
+// Powers of ten that are doubles, so that one operation rounds once: W. D.
+// Clinger, Proc. ACM SIGPLAN PLDI (1990) 92.
+constexpr int MaxExactTen = 22;
+constexpr double Tens[MaxExactTen + 1] = {
+    1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+    1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+#ifdef __SIZEOF_INT128__
+__extension__ using Wide = unsigned __int128;
+
+// The leading 128 bits of a power of five, the first of them set.
+struct Five {
+  std::uint64_t high;
+  std::uint64_t low;
+};
+
+// A whole number of 33 limbs, the lowest first.
+using Limbs = std::array<std::uint32_t, 33>;
+
+constexpr Five leading(Limbs const& number) {
+  std::size_t top = number.size() - 1;
+  while (number[top] == 0) --top;
+  Wide bits = 0;
+  for (std::size_t i = 0; i < 4; ++i)
+    bits = bits << 32 | (top >= i ? number[top - i] : 0);
+  int const shift = std::countl_zero(number[top]);
+  std::uint64_t const next = top >= 4 ? number[top - 4] : 0;
+  bits = bits << shift | next << shift >> 32;
+  return {static_cast<std::uint64_t>(bits >> 64),
+          static_cast<std::uint64_t>(bits)};
+}
+
+// 5^q for every power of ten that a double can reach from 19 digits.
+constexpr std::size_t TensBelow = 342;
+constexpr std::size_t TensAbove = 308;
+
+constexpr auto Fives = [] {
+  std::array<Five, TensBelow + 1 + TensAbove> powers{};
+  Limbs number{1};
+  for (std::size_t q = 0; q <= TensAbove; ++q) {
+    powers[TensBelow + q] = leading(number);
+    std::uint64_t carry = 0;
+    for (std::uint32_t& limb : number) {
+      carry += std::uint64_t{5} * limb;
+      limb = static_cast<std::uint32_t>(carry);
+      carry >>= 32;
     }
   }
-  if (!digits || n == text.size() || (text[n] != 'e' && text[n] != 'E'))
-    return n;
-  ++n;
-  if (n < text.size() && (text[n] == '+' || text[n] == '-')) ++n;
-  while (n < text.size() && isDigit(text[n])) ++n;
-  return n;
+  number = {};
+  number.back() = std::uint32_t{1} << 31;
+  for (std::size_t q = 1; q <= TensBelow; ++q) {
+    std::uint64_t rest = 0;
+    for (std::size_t i = number.size(); i-- > 0;) {
+      rest = rest << 32 | number[i];
+      number[i] = static_cast<std::uint32_t>(rest / 5);
+      rest %= 5;
+    }
+    Five& power = powers[TensBelow - q];
+    power = leading(number);
+    if (q <= 27 && ++power.low == 0) ++power.high;  // rounded up
+  }
+  return powers;
+}();
+
+// The leading 128 bits of `digits` times 5^q; `digits` has its first bit set.
+Five timesFive(std::uint64_t digits, Five const& power) {
+  Wide const first = Wide{digits} * power.high;
+  auto high = static_cast<std::uint64_t>(first >> 64);
+  auto low = static_cast<std::uint64_t>(first);
+  // Only where a carry from below may reach the bits of a double.
+  if ((high & 0x1FF) == 0x1FF) {
+    auto const below =
+        static_cast<std::uint64_t>(Wide{digits} * power.low >> 64);
+    low += below;
+    if (low < below) ++high;
+  }
+  return {high, low};
 }
 
-// True if the magnitude of a number that does not fit is too large, false if
-// it is too small: its leading digit stands above or below one.
-bool overflows(std::string_view number) {
-  std::size_t const e = number.find_first_of("eE");
-  std::string_view const mantissa = number.substr(0, e);
-  std::size_t const point = std::min(mantissa.find('.'), mantissa.size());
-  std::size_t const lead = mantissa.find_first_of("123456789");
-  std::int64_t exponent = 0;
-  if (e != std::string_view::npos) {
-    std::string_view digits = number.substr(e + 1);
-    extractNumber(digits, exponent);  // saturates, which keeps the sign
+// Stores `digits` * 10^q, rounded, unless it is out of the range of normal
+// doubles or too close to call: D. Lemire, Software: Practice and Experience 51
+// (2021) 1700.
+bool wideValue(std::uint64_t digits, std::int64_t q, double& value) {
+  value = 0;
+  if (digits == 0) return true;
+  auto const index = static_cast<std::uint64_t>(q) + TensBelow;
+  if (index >= Fives.size()) return false;
+  int const up = std::countl_zero(digits);
+  auto const [high, low] = timesFive(digits << up, Fives[index]);
+  if (low == ~std::uint64_t{0} && (q < -27 || q > 55)) return false;
+  int const carry = static_cast<int>(high >> 63);
+  int const cut = 9 + carry;
+  std::uint64_t bits = high >> cut;  // of a double, and one more
+  // Floor of q log2(10), and the bias of the exponent.
+  std::int64_t power = (217706 * q >> 16) + 63 + carry - up + 1023;
+  if (power <= 0) return false;
+  bool const isMiddle =
+      low <= 1 && q >= -4 && q <= 23 && (bits & 3) == 1 && bits << cut == high;
+  if (isMiddle) bits &= ~std::uint64_t{1};  // to even
+  bits = (bits + (bits & 1)) >> 1;
+  // A carry out of the 53 bits counts the exponent up.
+  bits += static_cast<std::uint64_t>(power - 1) << 52;
+  if (bits >> 52 >= 0x7FF) return false;
+  value = std::bit_cast<double>(bits);
+  return true;
+}
+#else
+// No wider integer here: leave it to the standard library.
+bool wideValue(std::uint64_t, std::int64_t, double&) {
+  return false;
+}
+#endif
+
+// True where exactValue() holds.
+bool isExact(std::uint64_t digits, std::int64_t exponent) {
+  return std::abs(exponent) <= MaxExactTen && digits >> 53 == 0;
+}
+
+double exactValue(std::uint64_t digits, std::int64_t exponent) {
+  auto const whole = static_cast<double>(static_cast<std::int64_t>(digits));
+  return exponent < 0 ? whole / Tens[-exponent] : whole * Tens[exponent];
+}
+
+// The value of a number without a sign. `isLarge` tells which way it is out of
+// range if it is.
+double longValue(char const* begin, char const* end, bool isLarge) {
+  double value = 0;
+  if (std::from_chars(begin, end, value).ec == std::errc()) return value;
+  return isLarge ? std::numeric_limits<double>::infinity() : 0;
+}
+
+double longValue(std::string digits, std::int64_t exponent) {
+  constexpr std::int64_t far = 100000;
+  bool const isLarge = static_cast<std::int64_t>(digits.size()) + exponent > 0;
+  digits += 'e' + std::to_string(std::clamp(exponent, -far, far));
+  return longValue(digits.data(), digits.data() + digits.size(), isLarge);
+}
+
+// The value of a mantissa that may have more digits than 64 bits hold. A
+// double, and the middle between two, has at most 768 digits: further ones
+// matter only by not being zero.
+double manyDigitsValue(std::string_view mantissa, std::int64_t exponent) {
+  constexpr std::size_t most = 800;
+  std::string digits;
+  bool isFraction = false;
+  bool isCut = false;
+  for (char c : mantissa) {
+    if (c == '.') {
+      isFraction = true;
+      continue;
+    }
+    bool const isKept = digits.size() < most;
+    if (isKept && (c != '0' || !digits.empty())) digits += c;
+    if (isKept && isFraction) --exponent;
+    if (!isKept && !isFraction) ++exponent;
+    if (!isKept && c != '0') isCut = true;
   }
-  auto const shift =
-      static_cast<std::int64_t>(point) - static_cast<std::int64_t>(lead);
-  constexpr std::int64_t bound = std::int64_t{1} << 62;
-  return std::clamp(exponent, -bound, bound) + shift > 0;
+  if (digits.empty()) return 0;
+  // An odd digit so far out is neither a double nor a middle.
+  if (isCut) digits.back() = static_cast<char>(digits.back() | 1);
+  return longValue(std::move(digits), exponent);
+}
+
+// From text to decimal digits.
+
+char const* skipSign(char const* p, char const* end, bool& negative) {
+  negative = p != end && *p == '-';
+  return p != end && (*p == '-' || *p == '+') ? p + 1 : p;
+}
+
+char const* scanDigits(char const* p, char const* end, std::uint64_t& value) {
+  for (; p != end && isDigit(*p); ++p) value = 10 * value + digitOf(*p);
+  return p;
+}
+
+constexpr std::uint64_t eachByte(std::uint64_t byte) {
+  return byte * 0x0101010101010101;
+}
+
+// The eight characters from `p` on, the first lowest, and zeros behind the end.
+// There must be eight characters ahead of the end.
+std::uint64_t eightCharacters(char const* p, char const* end) {
+  std::uint64_t word = 0;
+  std::memcpy(&word, end - p < 8 ? end - 8 : p, 8);
+  if (end - p >= 8) return word;
+  return p == end ? 0 : word >> (8 * (8 - (end - p)));
+}
+
+// The high bit of each byte above 9; right up to the first of them.
+std::uint64_t aboveNine(std::uint64_t word) {
+  return ((word + eachByte(0x76)) | word) & eachByte(0x80);
+}
+
+// The number that eight bytes from 0 to 9 are the digits of: D. Lemire,
+// Software: Practice and Experience 51 (2021) 1700.
+std::uint64_t eightDigits(std::uint64_t word) {
+  constexpr std::uint64_t pairs = 0x000000FF000000FF;
+  word = 10 * word + (word >> 8);
+  return ((word & pairs) * (100 + (std::uint64_t{1000000} << 32)) +
+          ((word >> 16) & pairs) * (1 + (std::uint64_t{10000} << 32))) >>
+         32;
+}
+
+// As scanDigits(), eight at a time. `begin` is where the text does.
+char const* scanManyDigits(char const* begin, char const* p, char const* end,
+                           std::uint64_t& value) {
+  if (std::endian::native != std::endian::little || end - begin < 8)
+    return scanDigits(p, end, value);
+  for (;;) {
+    std::uint64_t const word = eightCharacters(p, end) ^ eachByte('0');
+    std::uint64_t const others = aboveNine(word);
+    if (others != 0) {
+      int const n = std::countr_zero(others) / 8;
+      // What stands behind the digits goes, zeros come ahead of them.
+      value = value * WholeTens[n] + eightDigits(word << 8 << (56 - 8 * n));
+      return p + n;
+    }
+    value = value * 100000000 + eightDigits(word);
+    p += 8;
+  }
+}
+
+// Digits with a point among them.
+struct Mantissa {
+  std::uint64_t digits = 0;     // without the point, right up to MaxDigits
+  std::ptrdiff_t count = 0;     // of digits
+  std::ptrdiff_t fraction = 0;  // of digits behind the point
+  char const* end = nullptr;
+};
+
+// `begin` is where the text does, the digits do at `p`.
+Mantissa scanMantissa(char const* begin, char const* p, char const* end) {
+  Mantissa number;
+  number.end = scanDigits(p, end, number.digits);
+  number.count = number.end - p;
+  if (number.end == end || *number.end != '.') return number;
+  char const* const first = number.end + 1;
+  number.end = scanManyDigits(begin, first, end, number.digits);
+  number.fraction = number.end - first;
+  number.count += number.fraction;
+  return number;
+}
+
+// Takes the digits of an exponent with its sign, and stops growing far beyond
+// any count of digits that fits memory. False if there is none.
+bool scanExponent(char const*& p, char const* end, std::int64_t& exponent) {
+  bool negative = false;
+  p = skipSign(p, end, negative);
+  char const* const first = p;
+  for (; p != end && isDigit(*p); ++p)
+    if (exponent >> 58 == 0) exponent = 10 * exponent + digitOf(*p);
+  if (negative) exponent = -exponent;
+  return p != first;
 }
 
 template <class N>
 bool extractInteger(std::string_view& text, N& value) {
-  skipBlanks(text);
-  std::size_t n = 0;
-  bool const negative = !text.empty() && text[0] == '-';
-  if (!text.empty() && (text[0] == '+' || text[0] == '-')) ++n;
-  std::size_t const first = n;
-  while (n < text.size() && isDigit(text[n])) ++n;
-  std::string_view const digits = text.substr(first, n - first);
-  text.remove_prefix(n);
+  if (!skipBlanks(text)) return false;
+  char const* const end = text.data() + text.size();
+  bool negative = false;
+  char const* const first = skipSign(text.data(), end, negative);
+  char const* last = first;
+  while (last != end && isDigit(*last)) ++last;
+  text.remove_prefix(static_cast<std::size_t>(last - text.data()));
   value = 0;
-  if (digits.empty()) return false;
+  if (first == last) return false;
   std::uint64_t magnitude = 0;
-  auto const [end, error] =
-      std::from_chars(digits.data(), digits.data() + digits.size(), magnitude);
+  bool const fits = std::from_chars(first, last, magnitude).ec == std::errc();
   using Limits = std::numeric_limits<N>;
   // A signed type reaches one further below zero; an unsigned one wraps.
   std::uint64_t const limit = static_cast<std::uint64_t>(Limits::max()) +
                               (Limits::is_signed && negative ? 1U : 0U);
-  if (error != std::errc() || magnitude > limit) {
+  if (!fits || magnitude > limit) {
     value = Limits::is_signed && negative ? Limits::min() : Limits::max();
     return false;
   }
@@ -93,8 +324,7 @@ bool extractInteger(std::string_view& text, N& value) {
 
 void append(std::string& out, double value, std::chars_format format,
             int precision) {
-  // Fixed notation of the largest double has 309 digits ahead of the point.
-  char buffer[400];
+  char buffer[400];  // the largest double has 309 digits ahead of the point
   auto const [end, error] =
       std::to_chars(buffer, buffer + sizeof(buffer), value, format, precision);
   if (error == std::errc()) {
@@ -102,35 +332,44 @@ void append(std::string& out, double value, std::chars_format format,
     return;
   }
   std::string large(400 + static_cast<std::size_t>(precision), '\0');
-  auto const result = std::to_chars(large.data(), large.data() + large.size(),
-                                    value, format, precision);
-  out.append(large.data(), result.ptr);
+  char* const begin = large.data();
+  out.append(
+      begin,
+      std::to_chars(begin, begin + large.size(), value, format, precision).ptr);
 }
 
 }  // namespace
 
 bool extractNumber(std::string_view& text, double& value) {
-  skipBlanks(text);
-  std::string_view number = text.substr(0, floatLength(text));
-  text.remove_prefix(number.size());
-  if (!number.empty() && number[0] == '+') number.remove_prefix(1);
-  char const* const end = number.data() + number.size();
-  double parsed = 0;
-  auto const [stop, error] = std::from_chars(number.data(), end, parsed);
+  if (!skipBlanks(text)) return false;
+  char const* const begin = text.data();
+  char const* const end = begin + text.size();
+  bool negative = false;
+  char const* const first = skipSign(begin, end, negative);
+  Mantissa const number = scanMantissa(begin, first, end);
+  char const* p = number.end;
+  std::int64_t exponent = 0;
+  bool isNumber = number.count > 0;
+  if (isNumber && p != end && (*p == 'e' || *p == 'E'))
+    isNumber = scanExponent(++p, end, exponent);
+  text.remove_prefix(static_cast<std::size_t>(p - begin));
   value = 0;
-  if (stop != end || error == std::errc::invalid_argument) return false;
-  if (error == std::errc()) {
-    value = parsed;
+  if (!isNumber) return false;
+  std::int64_t const scale = exponent - number.fraction;
+  if (number.count <= MaxDigits && isExact(number.digits, scale)) {
+    double const found = exactValue(number.digits, scale);
+    value = negative ? -found : found;
     return true;
   }
-  bool const negative = number[0] == '-';
-  if (overflows(number)) {
-    double const most = std::numeric_limits<double>::max();
-    value = negative ? -most : most;
-    return false;
-  }
-  value = negative ? -0.0 : 0.0;
-  return true;
+  double found = 0;
+  if (number.count > MaxDigits)
+    found = manyDigitsValue({first, number.end}, exponent);
+  else if (!wideValue(number.digits, scale, found))
+    found = longValue(first, p, exponent > 0);
+  bool const fits = found <= std::numeric_limits<double>::max();
+  value = fits ? found : std::numeric_limits<double>::max();
+  if (negative) value = -value;
+  return fits;
 }
 
 bool extractNumber(std::string_view& text, std::int64_t& value) {
@@ -143,6 +382,13 @@ bool extractNumber(std::string_view& text, std::uint64_t& value) {
 
 bool extractNumber(std::string_view& text, std::uint32_t& value) {
   return extractInteger(text, value);
+}
+
+double decimalValue(std::uint64_t digits, int exponent) {
+  if (isExact(digits, exponent)) return exactValue(digits, exponent);
+  double value = 0;
+  if (wideValue(digits, exponent, value)) return value;
+  return longValue(std::to_string(digits), exponent);
 }
 
 std::string_view extractWord(std::string_view& text) {
@@ -170,7 +416,5 @@ void appendGeneral(std::string& out, double value, int precision) {
 
 void appendInteger(std::string& out, std::uint64_t value) {
   char buffer[24];
-  auto const [end, error] =
-      std::to_chars(buffer, buffer + sizeof(buffer), value);
-  out.append(buffer, end);
+  out.append(buffer, std::to_chars(buffer, buffer + sizeof(buffer), value).ptr);
 }

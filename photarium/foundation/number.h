@@ -22,7 +22,8 @@
 /// Leading blanks are skipped, a leading sign is allowed, text behind the
 /// number stays in `text`. True if a number was found. Otherwise `value` is
 /// what a failed stream extraction leaves: 0 where the text is no number, the
-/// largest finite value of the sign where it does not fit.
+/// largest finite value of the sign where it does not fit, what it was where
+/// nothing but blanks is left. An unsigned number with a "-" wraps.
 PHOTARIUM_EXPORT bool extractNumber(std::string_view& text, double& value);
 PHOTARIUM_EXPORT bool extractNumber(std::string_view& text,
                                     std::int64_t& value);
@@ -30,6 +31,13 @@ PHOTARIUM_EXPORT bool extractNumber(std::string_view& text,
                                     std::uint64_t& value);
 PHOTARIUM_EXPORT bool extractNumber(std::string_view& text,
                                     std::uint32_t& value);
+
+/// `digits` * 10^`exponent`, rounded to the nearest double: infinity where it
+/// is too large, 0 where it is too small. For readers that find the digits of a
+/// number on their own.
+///
+///     decimalValue(15, 2);  // 1500
+PHOTARIUM_EXPORT double decimalValue(std::uint64_t digits, int exponent);
 
 /// Takes the next blank-delimited word from the front of `text` and cuts it
 /// off, with the blanks ahead of it. Empty if only blanks are left.
