@@ -2,6 +2,18 @@
 
 // Every public header of the library.
 
+#include "photarium/config/Config.h"
+#include "photarium/config/DetectorConfig.h"
+#include "photarium/config/DistributionConfig.h"
+#include "photarium/config/FilterConfig.h"
+#include "photarium/config/GeometryConfig.h"
+#include "photarium/config/GridConfig.h"
+#include "photarium/config/Header.h"
+#include "photarium/config/MaterialConfig.h"
+#include "photarium/config/MathConfig.h"
+#include "photarium/config/PlotConfig.h"
+#include "photarium/config/ScalingConfig.h"
+#include "photarium/config/SpectConfig.h"
 #include "photarium/foundation/bremsstrahlung_tables.h"
 #include "photarium/foundation/console.h"
 #include "photarium/foundation/constants.h"
