@@ -140,7 +140,7 @@ class Material<T>::Composite {
     Material& element = part.element;
     T const share = part.mass / sum_;
     shares_.emplace(share, element.Z, name);
-    whole_.Shares[name] = share;
+    whole_.Shares[element.Name] += share;
     whole_.Z += share * element.Z;
     whole_.A += share * element.A;
     whole_.Density += share * element.Density;

@@ -162,8 +162,14 @@ template <class T>
 void Material<T>::loadFile(std::string const& db, std::string const& dir,
                            Source& source) {
   try {
-    std::string const text = sourceText(db, dir, source);
-    parse(text, source.type);
+    std::string text = sourceText(db, dir, source);
+    try {
+      parse(text, source.type);
+    } catch (...) {
+      keep(text, source);  // good enough to be recognised
+      throw;
+    }
+    keep(text, source);
   } catch (std::exception const& cause) {
     throw std::runtime_error(std::string(cause.what()) + " while reading " +
                              db + (dir.empty() ? "" : " from " + dir));
@@ -175,7 +181,6 @@ template <class T>
 std::string Material<T>::sourceText(std::string const& db,
                                     std::string const& dir, Source& source) {
   std::string key = ConcatPath(dir, db);
-  std::string text;
   {
     std::lock_guard const lock(cacheLock);
     if (key == CacheName && !cachedDB.empty() && CacheType != Unknown) {
@@ -183,6 +188,7 @@ std::string Material<T>::sourceText(std::string const& db,
       return cachedDB;
     }
   }
+  std::string text;
   DBType type = Unknown;
   if (readFile(key, text)) {
     unpack(text);
@@ -195,13 +201,18 @@ std::string Material<T>::sourceText(std::string const& db,
     unpack(text);
     type = normalise(text);
   }
-  source = {key, type};
-  std::string cached = text;  // copied ahead of the lock
-  std::lock_guard const lock(cacheLock);
-  cachedDB.swap(cached);
-  CacheName.swap(key);
-  CacheType = type;
+  source = {std::move(key), type};
   return text;
+}
+
+// Moves a text into the cache; what it held is freed behind the lock.
+template <class T>
+void Material<T>::keep(std::string& text, Source const& source) {
+  std::string name = source.name;
+  std::lock_guard const lock(cacheLock);
+  cachedDB.swap(text);
+  CacheName.swap(name);
+  CacheType = source.type;
 }
 
 // The texts of several files one behind the other. A file that is not there
@@ -255,6 +266,7 @@ template void Material<double>::loadFile(std::string const&, std::string const&,
                                          Source&);
 template std::string Material<double>::sourceText(std::string const&,
                                                   std::string const&, Source&);
+template void Material<double>::keep(std::string&, Source const&);
 template DBType Material<double>::readList(std::string const&,
                                            std::string const&, std::string&);
 template DBType Material<double>::normalise(std::string&);

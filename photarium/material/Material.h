@@ -53,8 +53,6 @@ class Material {
   /// Absorption edges in the order of the database; those of a composite stand
   /// one element after the other, as they are in the pure element.
   std::vector<Edge<T>> Edges;
-  /// Weights by mass of the elements, by symbol, as update() found them.
-  std::map<std::string, T> Shares;
 
   // Cross sections for photons [cm^2/g] of energy [keV].
   AttenuationCoeff<T> Absorption;  // photoelectric
@@ -82,6 +80,9 @@ class Material {
   AttenuationCoeff<T> ElectronElastic;  // large-angle elastic scattering
   std::map<SubshellID, AttenuationCoeff<T>> ElectronIonization;
   std::map<SubshellID, AttenuationCoeff<T>> PhotoIonization;
+
+  /// Weights by mass of the elements, by symbol, as update() found them.
+  std::map<std::string, T> Shares;
 
   // The database text that was read last, shared by all objects. The three
   // change together under a lock of the library's own; other threads may
@@ -275,6 +276,7 @@ class Material {
                                 Source& source);
   static DBType readList(std::string const& db, std::string const& dir,
                          std::string& text);
+  static void keep(std::string& text, Source const& source);
 
   // The steps of update().
   void fill(MaterialConfig<T>& config, std::string& findings);
