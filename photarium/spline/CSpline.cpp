@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "photarium/spline/lengths.h"
+#include "photarium/spline/points.h"
 
 namespace {
 
@@ -52,19 +52,24 @@ void substituteBack(quint<X, Y, Y, Y, Y>* node, std::size_t segments) {
 
 template <class X, class Y>
 CSpline<X, Y>::CSpline(std::map<X const, Y> const& points) {
-  this->data.reserve(points.size());
-  for (auto const& [x, y] : points)
-    this->data.push_back({x, Y(0), Y(0), Y(0), y});
-  rebuild();
+  auto const [abscissas, ordinates] = columns(points);
+  build(abscissas, ordinates);
 }
 
 template <class X, class Y>
 CSpline<X, Y>::CSpline(std::span<X const> abscissas,
                        std::span<Y const> ordinates) {
+  build(abscissas, ordinates);
+}
+
+template <class X, class Y>
+void CSpline<X, Y>::build(std::span<X const> abscissas,
+                          std::span<Y const> ordinates) {
   requireEqualLengths(abscissas.size(), ordinates.size());
   this->data.reserve(abscissas.size());
   for (std::size_t i = 0; i < abscissas.size(); ++i)
     this->data.push_back({abscissas[i], Y(0), Y(0), Y(0), ordinates[i]});
+  this->fillBuckets(abscissas);
   rebuild();
 }
 
@@ -98,12 +103,6 @@ std::map<X const, Y> CSpline<X, Y>::nodes() const {
 template <class X, class Y>
 CSpline<X, Y>* CSpline<X, Y>::Clone() const {
   return new CSpline(nodes());
-}
-
-template <class X, class Y>
-Y CSpline<X, Y>::operator()(X x, bool sequential, bool extrapolate) const {
-  if (sequential) return extrapolate ? at<true, true>(x) : at<true, false>(x);
-  return extrapolate ? at<false, true>(x) : at<false, false>(x);
 }
 
 template <class X, class Y>

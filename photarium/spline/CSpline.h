@@ -67,6 +67,9 @@ class CSpline : public NodeSpline<X, Y, quint<X, Y, Y, Y, Y>> {
 
   template <class, class, class, class, class>
   friend class SplineRows;
+
+ private:
+  void build(std::span<X const> abscissas, std::span<Y const> ordinates);
 };
 
 template <class X, class Y>
@@ -82,6 +85,13 @@ Y CSpline<X, Y>::at(X x) const {
   // A node is exact even where coefficients are infinite or not a number.
   if (d == 0) return node.fifth;
   return ((d * node.second + node.third) * d + node.fourth) * d + node.fifth;
+}
+
+template <class X, class Y>
+inline Y CSpline<X, Y>::operator()(X x, bool sequential,
+                                   bool extrapolate) const {
+  if (sequential) return extrapolate ? at<true, true>(x) : at<true, false>(x);
+  return extrapolate ? at<false, true>(x) : at<false, false>(x);
 }
 
 extern template class PHOTARIUM_EXPORT

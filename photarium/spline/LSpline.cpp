@@ -2,22 +2,28 @@
 
 #include <cstddef>
 
-#include "photarium/spline/lengths.h"
+#include "photarium/spline/points.h"
 
 template <class X, class Y>
 LSpline<X, Y>::LSpline(std::map<X const, Y> const& points) {
-  this->data.reserve(points.size());
-  for (auto const& [x, y] : points) this->data.push_back({x, Y(0), y});
-  rebuild();
+  auto const [abscissas, ordinates] = columns(points);
+  build(abscissas, ordinates);
 }
 
 template <class X, class Y>
 LSpline<X, Y>::LSpline(std::span<X const> abscissas,
                        std::span<Y const> ordinates) {
+  build(abscissas, ordinates);
+}
+
+template <class X, class Y>
+void LSpline<X, Y>::build(std::span<X const> abscissas,
+                          std::span<Y const> ordinates) {
   requireEqualLengths(abscissas.size(), ordinates.size());
   this->data.reserve(abscissas.size());
   for (std::size_t i = 0; i < abscissas.size(); ++i)
     this->data.push_back({abscissas[i], Y(0), ordinates[i]});
+  this->fillBuckets(abscissas);
   rebuild();
 }
 
@@ -44,12 +50,6 @@ std::map<X const, Y> LSpline<X, Y>::nodes() const {
 template <class X, class Y>
 LSpline<X, Y>* LSpline<X, Y>::Clone() const {
   return new LSpline(nodes());
-}
-
-template <class X, class Y>
-Y LSpline<X, Y>::operator()(X x, bool sequential, bool extrapolate) const {
-  if (sequential) return extrapolate ? at<true, true>(x) : at<true, false>(x);
-  return extrapolate ? at<false, true>(x) : at<false, false>(x);
 }
 
 template <class X, class Y>

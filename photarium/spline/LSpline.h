@@ -62,6 +62,9 @@ class LSpline : public NodeSpline<X, Y, triple<X, Y, Y>> {
 
   template <class, class, class, class, class>
   friend class SplineRows;
+
+ private:
+  void build(std::span<X const> abscissas, std::span<Y const> ordinates);
 };
 
 template <class X, class Y>
@@ -74,6 +77,13 @@ Y LSpline<X, Y>::at(X x) const {
   }
   Node const& node = sequential ? this->segmentFromHint(x) : this->segment(x);
   return (x - node.first) * node.second + node.third;
+}
+
+template <class X, class Y>
+inline Y LSpline<X, Y>::operator()(X x, bool sequential,
+                                   bool extrapolate) const {
+  if (sequential) return extrapolate ? at<true, true>(x) : at<true, false>(x);
+  return extrapolate ? at<false, true>(x) : at<false, false>(x);
 }
 
 extern template class PHOTARIUM_EXPORT

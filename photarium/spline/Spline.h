@@ -2,7 +2,10 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <map>
+#include <memory>
+#include <span>
 #include <vector>
 
 #include "photarium/foundation/export.h"
@@ -87,6 +90,25 @@ class SearchHint {
   mutable std::atomic<std::size_t> index_{0};
 };
 
+/// The abscissas of many nodes in equal intervals, to find the few among which
+/// one has to search.
+template <class X>
+struct Buckets {
+  /// Interval that holds `x`; the outermost ones hold what lies outside. Never
+  /// descends where `x` ascends, so what rounding does is of no account.
+  std::size_t bucketOf(X x) const {
+    X const position = (x - lowest) * scale;
+    if (!(position > 0)) return 0;
+    return position < last ? static_cast<std::size_t>(position)
+                           : static_cast<std::size_t>(last);
+  }
+
+  X lowest;                           // where the first interval begins
+  X scale;                            // intervals per unit of the abscissa
+  X last;                             // number of the last interval
+  std::vector<std::uint32_t> starts;  // first node of each one and of the next
+};
+
 /// What LSpline and CSpline share: the vector of nodes and the searches in it.
 ///
 /// A Node has the abscissa as its member `first` and holds the polynomial of
@@ -118,37 +140,58 @@ class NodeSpline : public Spline<X, Y> {
 
   /// The node whose segment holds `x`: the last one with an abscissa not above
   /// it, or the first one. There must be a node.
-  Node const& segment(X x) const {
-    Node const* node = data.data();
-    for (std::size_t count = data.size(); count > 1;) {
-      std::size_t const half = count / 2;
-      node = node[half].first > x ? node : node + half;
-      count -= half;
-    }
-    return *node;
-  }
+  Node const& segment(X x) const { return data[find(x)]; }
 
-  /// The same, looking first at the segment found last and the one behind it.
+  /// The same, looking first around the segment found last.
   Node const& segmentFromHint(X x) const {
     std::size_t const index = hint.get();
     Node const* const node = data.data() + index;
-    std::size_t const rest = data.size() - index;
-    bool const isAbove = rest > 1 && x >= node[1].first;
+    Node const* const end = data.data() + data.size();
+    bool const isAbove = node + 1 != end && x >= node[1].first;
     if (!isAbove && !(node->first > x)) return *node;
-    if (isAbove && !(rest > 2 && x >= node[2].first)) {
-      hint.set(index + 1);
-      return node[1];
-    }
-    Node const& found = segment(x);
-    hint.set(static_cast<std::size_t>(&found - data.data()));
-    return found;
+    std::size_t found = 0;
+    if (isAbove && end - node > 4 && !(x >= node[4].first))
+      // Sweeps mostly go on by a few nodes; counting them takes no branch.
+      found = index + 1 + (x >= node[2].first) + (x >= node[3].first);
+    else
+      found = find(x);
+    hint.set(found);
+    return data[found];
   }
 
   /// Throws std::out_of_range with an empty message.
   [[noreturn]] static void throwOutside();
 
+  /// Prepares the search if there are many nodes, the abscissas of which are
+  /// given once more.
+  void fillBuckets(std::span<X const> abscissas);
+
   std::vector<Node> data;  // ascending abscissas
   SearchHint hint;         // segment of the last sequential search
+
+ private:
+  std::size_t find(X x) const {
+    if (!buckets) return lastNotAbove(x, 0, data.size());
+    std::size_t const bucket = buckets->bucketOf(x);
+    std::size_t const begin = buckets->starts[bucket];
+    std::size_t const first = begin - (begin > 0);
+    return lastNotAbove(x, first, buckets->starts[bucket + 1] - first);
+  }
+
+  /// Of `count` nodes from `first` on the last one that is not above `x`, or
+  /// `first`. There are no branches to predict.
+  std::size_t lastNotAbove(X x, std::size_t first, std::size_t count) const {
+    Node const* node = data.data() + first;
+    while (count > 1) {
+      std::size_t const half = count / 2;
+      node = node[half].first > x ? node : node + half;
+      count -= half;
+    }
+    return static_cast<std::size_t>(node - data.data());
+  }
+
+  // Only of large splines. Abscissas never change, so copies share it.
+  std::shared_ptr<Buckets<X> const> buckets;
 };
 
 extern template class PHOTARIUM_EXPORT Spline<double, double>;

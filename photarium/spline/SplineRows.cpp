@@ -9,7 +9,7 @@
 #include "photarium/spline/BiLSpline.h"
 #include "photarium/spline/TriCSpline.h"
 #include "photarium/spline/TriLSpline.h"
-#include "photarium/spline/lengths.h"
+#include "photarium/spline/points.h"
 
 namespace {
 
