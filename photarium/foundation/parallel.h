@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <exception>
+
+/// Calls `work(i)` for every i below `count`, spread over a team of threads.
+///
+/// No exception leaves the team: once every call is done, the one of the lowest
+/// index is thrown again, whatever the number of threads.
+///
+///     std::vector<double> squares(n);
+///     forEachIndex(n, [&](std::size_t i) { squares[i] = double(i) * i; });
+template <class Work>
+void forEachIndex(std::size_t count, Work const& work) {
+  std::exception_ptr failure;
+  std::size_t failed = count;
+#pragma omp parallel for schedule(static)
+  for (std::size_t i = 0; i < count; ++i) {
+    try {
+      work(i);
+    } catch (...) {
+#pragma omp critical(photarium_forEachIndex)
+      if (i < failed) {
+        failed = i;
+        failure = std::current_exception();
+      }
+    }
+  }
+  if (failure) std::rethrow_exception(failure);
+}
