@@ -56,7 +56,7 @@ class Progress {
  public:
   Progress(std::ostream& out, std::uint64_t rows) : out_(out), rows_(rows) {}
 
-  // To be called ahead of each row, by any thread of the team.
+  // To be called as often as one likes, by any thread of the team.
   void report() {
     if (omp_get_thread_num() != 0) return;
     auto const percent = static_cast<int>(done_.load() * 100 / rows_);
@@ -93,6 +93,7 @@ class RowWriter {
   // Writes the rows from `first` on, one into each of `texts`: at most Lanes.
   void write(std::uint64_t first, std::span<std::string> texts,
              Progress& progress) {
+    progress.report();
     if (table_.cubic)
       writeCubic(first, texts, progress);
     else

@@ -40,7 +40,7 @@ inline Material<double> bremsMaterial() {
 inline Material<double> angleMaterial(unsigned int nodes) {
   Material<double> material("W", 0, 0, 0);
   std::map<double const, LSpline<double, double>> rows;
-  for (double logE : {0., 1., 2., 3.}) {
+  for (double logE : {-1., 0., 1., 2., 3.}) {
     double const screening = std::pow(10, -1 - logE);
     std::map<double const, double> points;
     for (unsigned int i = 0; i < nodes; ++i) {
@@ -51,5 +51,31 @@ inline Material<double> angleMaterial(unsigned int nodes) {
     rows[logE] = LSpline<double, double>(points);
   }
   material.ElasticAngle = BiLSpline<double, double>(rows);
+  return material;
+}
+
+/// A made-up element with two edges and photon curves from 0.5 keV to 1 MeV.
+inline Material<double> photonMaterial() {
+  using Curve = AttenuationCoeff<double>;
+  Material<double> material("Cu", 0, 0, 0);
+  auto const power = [](double value, double exponent) {
+    Curve::Points points;
+    for (double E = 0.5; E < 1100; E *= 1.2)
+      points.emplace_back(E, value * std::pow(E, exponent));
+    return points;
+  };
+  Curve::Points absorption = power(4e4, -2.8);
+  for (auto& [E, value] : absorption) {
+    if (E > 8.979) value *= 7.2;
+    if (E > 1.096) value *= 1.3;
+  }
+  auto const curve = [](Curve::Points const& points) {
+    return Curve::fromSorted({{points, Curve::LogLog, false}}, 1.,
+                             /*linear=*/true);
+  };
+  material.Absorption = curve(absorption);
+  material.Coherent = curve(power(7, -1.2));
+  material.Incoherent = curve(power(0.08, 0.1));
+  material.Pair = curve(power(1e-9, 1));
   return material;
 }
