@@ -27,8 +27,9 @@ constexpr char const* Colours[] = {"#0072B2", "#D55E00", "#009E73", "#CC79A7",
                                    "#E69F00", "#56B4E9", "#000000"};
 constexpr std::size_t ColourCount = sizeof(Colours) / sizeof(Colours[0]);
 
-// Marks nearer to each other than this share of the axis would overlap.
-constexpr double MarkDistance = 0.022;
+// Names of marks nearer to each other than this share of the axis would
+// overlap.
+constexpr double MarkDistance = 0.016;
 
 constexpr int Digits = 9;  // of a plotted number
 
@@ -55,14 +56,32 @@ bool isShown(double value, bool logarithmic) {
   return std::isfinite(value) && (!logarithmic || value > 0);
 }
 
+bool isShown(PicturePage const& page, std::pair<double, double> const& point) {
+  return isShown(point.first, page.logX) && isShown(point.second, page.logY);
+}
+
 // The data of one curve; a point that has no place leaves a gap.
 std::string dataBlock(PicturePage const& page, std::size_t index) {
   std::string block = "$curve" + std::to_string(index) + " << EndOfCurve\n";
-  for (auto const& [x, y] : page.curves[index].points)
-    block += isShown(x, page.logX) && isShown(y, page.logY)
-                 ? number(x) + ' ' + number(y) + '\n'
+  for (auto const& point : page.curves[index].points)
+    block += isShown(page, point)
+                 ? number(point.first) + ' ' + number(point.second) + '\n'
                  : "\n";
   return block + "EndOfCurve\n";
+}
+
+// The page with those curves that have something to show, those of the
+// background first.
+PicturePage sorted(PicturePage page) {
+  std::erase_if(page.curves, [&](PictureCurve const& curve) {
+    return std::none_of(curve.points.begin(), curve.points.end(),
+                        [&](auto const& p) { return isShown(page, p); });
+  });
+  std::stable_partition(page.curves.begin(), page.curves.end(),
+                        [](auto const& curve) { return curve.isBackground; });
+  std::sort(page.marks.begin(), page.marks.end(),
+            [](auto const& a, auto const& b) { return a.x < b.x; });
+  return page;
 }
 
 struct Span {
@@ -72,34 +91,36 @@ struct Span {
 Span abscissas(PicturePage const& page) {
   Span span{HUGE_VAL, -HUGE_VAL};
   for (auto const& curve : page.curves)
-    for (auto const& [x, y] : curve.points)
-      if (isShown(x, page.logX) && isShown(y, page.logY))
-        span = {std::min(span.low, x), std::max(span.high, x)};
+    for (auto const& point : curve.points)
+      if (isShown(page, point))
+        span = {std::min(span.low, point.first),
+                std::max(span.high, point.first)};
   return span;
 }
 
-// Thin vertical lines with their names inside the upper margin.
+// Share of the axis that lies left of `x`.
+double placeOf(double x, PicturePage const& page, Span span) {
+  return page.logX ? std::log(x / span.low) / std::log(span.high / span.low)
+                   : (x - span.low) / (span.high - span.low);
+}
+
+// Thin vertical lines with their names above the frame. Where names would
+// overlap, the next one moves aside a little or is left out.
 std::string markCommands(PicturePage const& page, Span span) {
-  auto const place = [&](double x) {
-    return page.logX ? std::log(x / span.low) / std::log(span.high / span.low)
-                     : (x - span.low) / (span.high - span.low);
-  };
-  auto marks = page.marks;
-  std::sort(marks.begin(), marks.end(),
-            [](auto const& a, auto const& b) { return a.x > b.x; });
   std::string commands;
-  double last = HUGE_VAL;
-  for (auto const& mark : marks) {
+  double free = 0;  // where the next name may stand
+  for (auto const& mark : page.marks) {
     if (!(mark.x > span.low && mark.x < span.high)) continue;
     std::string const x = number(mark.x);
     commands += "set arrow from first " + x + ", graph 0 to first " + x +
-                ", graph 1 nohead back lw 0.6 dt 3 lc '#999999'\n";
-    double const at = place(mark.x);
-    if (last - at < MarkDistance) continue;
-    last = at;
-    commands += "set label " + quoted(mark.text) + " at first " + x +
-                ", graph 0.02 rotate by 90 left offset character -0.6,0 "
-                "noenhanced font ',10' tc '#666666'\n";
+                ", graph 1 nohead back lw 0.7 dt 3 lc '#888888'\n";
+    double const place = placeOf(mark.x, page, span);
+    double const at = std::max(place, free);
+    if (at - place > MarkDistance) continue;
+    free = at + MarkDistance;
+    commands += "set label " + quoted(mark.text) + " at graph " + number(at) +
+                ", graph 1.015 rotate by 90 left noenhanced font ',10' tc "
+                "'#555555'\n";
   }
   return commands;
 }
@@ -110,25 +131,35 @@ std::string axisCommands(PicturePage const& page) {
   if (page.logY) commands += "set logscale y\nset format y '10^{%L}'\n";
   commands += "set xlabel " + quoted(page.xLabel) + " noenhanced\n";
   commands += "set ylabel " + quoted(page.yLabel) + " noenhanced\n";
-  commands += "set title " + quoted(page.title) + " noenhanced\n";
+  commands += "set title " + quoted(page.title) + " noenhanced";
+  // Room for the names of the marks.
+  commands += page.marks.empty() ? "\n" : " offset 0,2.2\nset tmargin 6\n";
   return commands;
+}
+
+// Dashed lines begin where the colours are used up.
+std::string ownStyle(std::size_t index) {
+  return std::string("lw 2 lc '") + Colours[index % ColourCount] +
+         (index < ColourCount ? "'" : "' dt 2");
 }
 
 std::string plotCommand(PicturePage const& page) {
   std::string command = "plot";
   char const* separator = " ";
+  std::size_t colour = 0;
   for (std::size_t i = 0; i < page.curves.size(); ++i) {
+    auto const& curve = page.curves[i];
     command += separator;
-    command += "$curve" + std::to_string(i) + " using 1:2 with lines lw 2 lc '";
-    command += Colours[i % ColourCount];
-    command += i < ColourCount ? "' dt 1 title " : "' dt 2 title ";
-    command += quoted(page.curves[i].legend) + " noenhanced";
+    command += "$curve" + std::to_string(i) + " using 1:2 with lines ";
+    command += curve.isBackground ? "lw 7 lc '#cccccc'" : ownStyle(colour++);
+    command += " title " + quoted(curve.legend) + " noenhanced";
     separator = ", ";
   }
   return command + "\n";
 }
 
-std::string script(PicturePage const& page, bool isVector) {
+std::string script(PicturePage const& wanted, bool isVector) {
+  PicturePage const page = sorted(wanted);
   Span const span = abscissas(page);
   if (!(span.low < span.high))
     throw std::runtime_error("Nothing to draw: " + page.title);

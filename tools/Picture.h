@@ -10,6 +10,7 @@ namespace Tool {
 struct PictureCurve {
   std::string legend;
   std::vector<std::pair<double, double>> points;
+  bool isBackground = false;  // wide and grey, behind the others, such as a sum
 };
 
 /// A named place on the abscissa, such as an absorption edge.

@@ -194,6 +194,7 @@ PicturePage pageOf(Plot const& plot, Material<double> const& material,
   auto const energies = pictureEnergies(grid, material);
   for (auto const& [name, values] : sample(plot, material, energies)) {
     PictureCurve& curve = page.curves.emplace_back(PictureCurve{name, {}});
+    curve.isBackground = name == "sum";
     for (std::size_t i = 0; i < energies.size(); ++i)
       curve.points.emplace_back(energies[i], values[i]);
   }

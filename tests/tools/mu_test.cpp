@@ -1,0 +1,303 @@
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <numeric>
+
+#include "photarium/streams/PHMCStream.h"
+#include "tests/tools/Program.h"
+
+namespace {
+
+std::vector<std::string> const Brass{"mu",    "--material", "CuZn",   "--acrp",
+                                     "--kvp", "100",        "--ebin", "1"};
+
+std::vector<std::string> with(std::vector<std::string> arguments,
+                              std::vector<std::string> const& more) {
+  arguments.insert(arguments.end(), more.begin(), more.end());
+  return arguments;
+}
+
+// The eight bytes with which every PNG file begins (ISO/IEC 15948).
+std::string const PngSignature = "\x89PNG\r\n\x1a\n";
+
+bool hasGnuplot(Program const& program) {
+  return program.shell("command -v gnuplot").status == 0;
+}
+
+#define NEEDS_GNUPLOT(program) \
+  if (!hasGnuplot(program)) GTEST_SKIP() << "gnuplot is not installed"
+
+}  // namespace
+
+TEST(MuTable, HasARowForEachOfAHundredEnergies) {
+  Outcome const outcome = Program().run(Brass);
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out.substr(0, 26), "#Tramo\t0\tCuZn\tACRP\t4\t100\t1");
+  auto const rows = rowsOf(outcome.out);
+  ASSERT_EQ(rows.size(), 100u);
+  for (auto const& row : rows) EXPECT_EQ(row.size(), 4u);
+}
+
+TEST(MuTable, OfBrassIsTheSumOfItsElementsByMass) {
+  Program const program;
+  auto const brass = rowsOf(program.run(Brass).out);
+  // Mass attenuation coefficients: those of density 1.
+  auto const element = [&](std::string const& symbol) {
+    return rowsOf(program
+                      .run({"mu", "--material", symbol, "--acrp", "--kvp",
+                            "100", "--ebin", "1", "--density", "1"})
+                      .out);
+  };
+  auto const copper = element("Cu"), zinc = element("Zn");
+  // Atomic weights and densities of the library's element table.
+  double const copperMass = 63.5463, zincMass = 65.3794;
+  double const share = copperMass / (copperMass + zincMass);
+  double const density = share * 8.96 + (1 - share) * 7.134;
+  ASSERT_EQ(brass.size(), 100u);
+  for (std::size_t i = 0; i < brass.size(); ++i)
+    for (std::size_t j = 0; j < 3; ++j) {
+      double const expected =
+          density * (share * copper[i][j] + (1 - share) * zinc[i][j]);
+      // Seven printed digits, and splines of sums in place of sums of splines.
+      EXPECT_NEAR(brass[i][j] / expected, 1, 2e-3) << i << ' ' << j;
+    }
+}
+
+TEST(MuTable, JumpsAtTheEdgeOfIronByItsJumpRatio) {
+  Program const program;
+  program.write("grid.txt", "7.1119 0\n7.1121 0\n");
+  auto const rows = rowsOf(
+      program.run({"mu", "--material", "Fe", "--gridfile", "grid.txt"}).out);
+  ASSERT_EQ(rows.size(), 2u);
+  auto const json = nlohmann::json::parse(
+      program.run({"material", "--material", "Fe", "--json"}).out);
+  double const jump = json["edges"][0]["jump"];
+  EXPECT_NEAR(rows[1][1] / rows[0][1] / jump, 1, 1e-3);
+  EXPECT_GT(jump, 7);
+}
+
+TEST(MuMaterials, OfManyFormsLoad) {
+  Program const program;
+  for (std::string const material :
+       {"H2O", "SiO2 0.6 Al2O3 0.4", "Fe0.7Cr0.2Ni0.1", "CdTe", "29"}) {
+    Outcome const outcome =
+        program.run({"mu", "--material", material, "--acrp"});
+    EXPECT_EQ(outcome.status, 0) << material;
+    EXPECT_EQ(rowsOf(outcome.out).size(), 1000u) << material;
+  }
+}
+
+TEST(MuMaterials, ThatDoNotExistAreNamedWithTheFilesTried) {
+  Outcome const outcome = Program().run({"mu", "--material", "Xx"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.out, "");
+  for (std::string const part :
+       {"Error loading material data for Xx:", "data/ENDF-VII0/",
+        "data/LocalDB.txt", "data/mcplib04.txt", "data/ElamDB12.txt"})
+    EXPECT_NE(outcome.err.find(part), std::string::npos) << part;
+}
+
+TEST(MuFindings, OfACompositeAreToldOnce) {
+  Outcome const outcome = Program().run(Brass);
+  EXPECT_EQ(outcome.err,
+            "photarium: Empty spline (elastic electron scattering of CuZn)\n");
+}
+
+TEST(MuSettings, ComeFromSectionsOfAConfigFileToo) {
+  Program const program;
+  program.write("brass.cfg",
+                "[grid]\nkvp = 100\nebin = 1\n"
+                "[mu]\nsections = grid\nmaterial = CuZn\nacrp = true\n");
+  Outcome const outcome = program.run({"mu", "--config", "brass.cfg"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out, program.run(Brass).out);
+}
+
+TEST(MuSettings, FromACommentBlockGiveTheSameResultAgain) {
+  Program const program;
+  std::string const first =
+      program.run({"mu", "--material", "Cu", "--kvp", "20", "--density", "8"})
+          .out;
+  // "# Label: value" becomes "label = value". The sections of the first run
+  // are no sections of this file.
+  std::string config;
+  std::istringstream lines(first);
+  for (std::string line; std::getline(lines, line) && line[0] == '#';) {
+    std::size_t const colon = line.find(": ");
+    if (!line.starts_with("# ") || colon == std::string::npos ||
+        line.starts_with("# Sections"))
+      continue;
+    config += line.substr(2, colon - 2) + " = " + line.substr(colon + 2) + "\n";
+  }
+  ASSERT_NE(config.find("DataFile = /"), std::string::npos);
+  program.write("again.cfg", config);
+  Outcome const again = program.run({"mu", "--config", "again.cfg"});
+  EXPECT_EQ(again.err, "");
+  EXPECT_EQ(rowsOf(again.out), rowsOf(first));
+}
+
+TEST(MuGrid, ComesFromAFile) {
+  Program const program;
+  program.write("grid.txt", "5 1 a\n8 2\n20 3\n");
+  auto const rows = rowsOf(
+      program.run({"mu", "--material", "Cu", "--gridfile", "grid.txt"}).out);
+  ASSERT_EQ(rows.size(), 3u);
+  EXPECT_EQ(rows[2][0], 20);
+}
+
+TEST(MuGrid, FileThatCannotBeReadIsAFailure) {
+  Outcome const outcome =
+      Program().run({"mu", "--material", "Cu", "--gridfile", "none.txt"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "photarium: No energies in grid file none.txt\n");
+}
+
+TEST(MuGrid, OfEnergiesBeyondTheDataSaysHowManyAreLeftOut) {
+  Program const program;
+  program.write("grid.txt", "0.01 0\n8 0\n1e6 0\n");
+  Outcome const outcome =
+      program.run({"mu", "--material", "Cu", "--gridfile", "grid.txt"});
+  EXPECT_EQ(rowsOf(outcome.out).size(), 1u);
+  EXPECT_EQ(outcome.err,
+            "photarium: 2 of 3 energies are beyond the data and left out, see "
+            "--extrapolate\n");
+}
+
+TEST(MuData, PackedGiveTheSameTableToTheByte) {
+  Program const program;
+  std::filesystem::create_directories(program.folder() / "data");
+  std::string const database = fileText(sourceDir() / "data/ElamDB12.txt");
+  PHMCStream packed((program.folder() / "data/ElamDB12.txt.phc").string(),
+                    /*plain=*/false, std::ios::out | std::ios::binary);
+  packed << database;
+  packed.close();
+  std::filesystem::copy(sourceDir() / "data/ELossCorrections.txt",
+                        program.folder() / "data");
+  Outcome const outcome = program.run(Brass);
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out, Program().run(Brass).out);
+}
+
+TEST(MuData, ComeFromTheFolderOfTheEnvironment) {
+  Program program;
+  std::filesystem::create_directories(program.folder() / "there/data");
+  std::filesystem::copy(sourceDir() / "data/ElamDB12.txt",
+                        program.folder() / "there/data");
+  program.set("PHOTARIUM_DATA=there");
+  Outcome const outcome = program.run({"mu", "--material", "Cu"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_NE(outcome.out.find("/there/data/ElamDB12.txt\n"), std::string::npos);
+}
+
+TEST(MuData, OfAFolderOfTheEnvironmentThatHoldsNoneAreFoundElsewhere) {
+  Program program;
+  program.set("PHOTARIUM_DATA=nowhere");
+  Outcome const outcome = program.run({"mu", "--material", "Cu"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_NE(outcome.err.find("PHOTARIUM_DATA names no folder"),
+            std::string::npos);
+}
+
+TEST(MuData, ComeFromTheProgramItselfWhereThereIsNoFolder) {
+  // A copy of the program that stands in no tree.
+  Program const program;
+  std::filesystem::copy(PHOTARIUM_PROGRAM, program.folder() / "alone");
+  std::string line = "./alone";
+  for (auto const& argument : Brass) line += " " + argument;
+  Outcome const outcome = program.shell(line);
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out, Program().run(Brass).out);
+  EXPECT_EQ(program.shell("./alone mu | grep -c /proc/").out, "0\n");
+}
+
+TEST(MuJson, HasTheGridAndTheCurvesOfTheTable) {
+  Program const program;
+  auto const json =
+      nlohmann::json::parse(program.run(with(Brass, {"--json"})).out);
+  auto const rows = rowsOf(program.run(Brass).out);
+  EXPECT_EQ(json["unit"], "1/cm");
+  ASSERT_EQ(json["energy_keV"].size(), rows.size());
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    EXPECT_EQ(json["energy_keV"][i], double(i + 1));
+    EXPECT_NEAR(double(json["curves"]["photoabsorption"][i]) / rows[i][0], 1,
+                1e-6);
+    EXPECT_NEAR(double(json["curves"]["coherent"][i]) / rows[i][2], 1, 1e-6);
+  }
+}
+
+TEST(MuJson, OfAnEfficiencyIsTheShareThatALayerAbsorbs) {
+  Program const program;
+  std::vector<std::string> const layer{
+      "mu", "--material",   "Cu",          "--kvp", "100",        "--ebin",
+      "1",  "--efficiency", "--thickness", "0.01",  "--angle-in", "30"};
+  auto const json =
+      nlohmann::json::parse(program.run(with(layer, {"--json"})).out);
+  auto const rows = rowsOf(program.run(layer).out);
+  ASSERT_EQ(json["curves"]["efficiency"].size(), 100u);
+  for (std::size_t i = 0; i < rows.size(); ++i)
+    EXPECT_NEAR(double(json["curves"]["efficiency"][i]), rows[i][1], 1e-6);
+}
+
+TEST(MuPlot, IsAPicture) {
+  Program const program;
+  NEEDS_GNUPLOT(program);
+  Outcome const outcome = program.run(
+      with(Brass, {"--plot", "brass.png", "--output", "brass.txt"}));
+  EXPECT_EQ(outcome.status, 0);
+  std::string const png = program.text("brass.png");
+  EXPECT_EQ(png.substr(0, PngSignature.size()), PngSignature);
+  EXPECT_EQ(png.substr(png.size() - 8, 4), "IEND");
+}
+
+TEST(MuPlot, AsSvgHasAxesWithUnitsAndALegendPerCurve) {
+  Program const program;
+  NEEDS_GNUPLOT(program);
+  program.run(with(Brass, {"--plot", "brass.SVG"}));
+  std::string const svg = program.text("brass.SVG");
+  for (std::string const text :
+       {"photon energy [keV]", "linear attenuation coefficient [1/cm]",
+        "photoabsorption", "incoherent", "coherent", "sum", "Cu K", "</svg>"})
+    EXPECT_NE(svg.find(text), std::string::npos) << text;
+}
+
+TEST(MuPlot, TakesNamesWithEveryCharacter) {
+  Program const program;
+  NEEDS_GNUPLOT(program);
+  std::string const name = "it's \"$(touch x)`touch y`\n;!touch z.svg";
+  Outcome const outcome =
+      program.run({"mu", "--material", "Cu", "--plot", name});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_TRUE(program.has(name));
+  EXPECT_EQ(program.shell("ls | wc -l").out, "2\n");  // the name has two lines
+}
+
+TEST(MuPlot, OfAnotherKindOfFileIsWrongUsage) {
+  Outcome const outcome =
+      Program().run({"mu", "--material", "Cu", "--plot", "cu.gif"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_EQ(outcome.err,
+            "photarium: A picture is named .svg or .png, not cu.gif\n");
+}
+
+TEST(MuPlot, WithoutGnuplotSaysHowToInstallIt) {
+  Program program;
+  program.set("PATH=/nowhere");
+  Outcome const outcome =
+      program.run({"mu", "--material", "Cu", "--plot", "cu.svg"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_NE(outcome.err.find("apt-get install gnuplot-nox"), std::string::npos);
+  EXPECT_FALSE(program.has("cu.svg"));
+}
+
+TEST(MuPlot, ThatFailsLeavesNoHalfWrittenPicture) {
+  Program const program;
+  std::filesystem::create_directories(program.folder() / "bin");
+  program.write("bin/gnuplot", "#!/bin/sh\necho half\nexit 1\n");
+  Outcome const outcome = program.shell(
+      "chmod +x bin/gnuplot; PATH=\"$PWD/bin:$PATH\"; "
+      "photarium mu --material Cu --plot cu.svg");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "photarium: gnuplot could not draw cu.svg\n");
+  EXPECT_EQ(program.shell("ls").out, "bin\n");
+}
