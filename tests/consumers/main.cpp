@@ -3,11 +3,13 @@
 #include <photarium/photarium.h>
 
 #include <iostream>
+#include <map>
 
 int main() {
   VersionInfo(std::cout) << '\n';
   Material<double> const iron("26", 0, 0, 0);
-  LSpline<double, double> const line({{0., 1.}, {2., 3.}});
+  std::map<double const, double> const points{{0., 1.}, {2., 3.}};
+  LSpline<double, double> const line(points);
   if (iron.Name != "Fe" || line(1., false, false) != 2.) return 1;
   DistributionConfig<double> settings;
   settings.Density = 1;
