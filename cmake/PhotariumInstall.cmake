@@ -25,9 +25,14 @@ install(FILES
 # of the consumer; pkg-config cannot see CMake's link interface.
 if(BUILD_SHARED_LIBS)
   set(PHOTARIUM_PC_REQUIRED_LIBS "")
+  set(PHOTARIUM_PC_CFLAGS "")
 else()
   set(PHOTARIUM_PC_REQUIRED_LIBS "${OpenMP_CXX_FLAGS}")
+  set(PHOTARIUM_PC_CFLAGS -DPHOTARIUM_STATIC)
 endif()
+# The prefix is found from the file's own place, so that it may be moved.
+file(RELATIVE_PATH PHOTARIUM_PC_TO_PREFIX
+  /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(
   ${PROJECT_SOURCE_DIR}/cmake/photarium.pc.in
   ${PROJECT_BINARY_DIR}/photarium.pc @ONLY)

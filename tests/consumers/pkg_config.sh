@@ -4,7 +4,7 @@ set -eu
 compiler=$1 prefix=$2 libdir=$3 program=$4
 export PKG_CONFIG_PATH="$prefix/$libdir/pkgconfig"
 # shellcheck disable=SC2046
-"$compiler" -std=c++20 $(pkg-config --define-prefix --cflags photarium) \
+"$compiler" -std=c++20 $(pkg-config --cflags photarium) \
   "$(dirname "$0")/main.cpp" -o "$program" \
-  $(pkg-config --define-prefix --libs photarium)
+  $(pkg-config --libs photarium)
 LD_LIBRARY_PATH="$prefix/$libdir" "$program"
