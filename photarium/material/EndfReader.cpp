@@ -181,6 +181,7 @@ void EndfReader<T>::readRanges() {
     if (count_ + i < rangeCount_)
       ranges_.emplace_back(wholeNumber<unsigned int>(fields_[2 * i]),
                            Law(wholeNumber<int>(fields_[2 * i + 1])));
+  isStored_.reset();
   count_ += 3;
   if (count_ < rangeCount_) return;
   inRanges_ = false;
@@ -193,6 +194,7 @@ void EndfReader<T>::beginRanges() {
   size_ = whole(55);
   inRanges_ = rangeCount_ > 0;
   ranges_.clear();
+  isStored_.reset();
   count_ = 0;
 }
 

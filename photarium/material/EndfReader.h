@@ -153,7 +153,7 @@ class EndfReader {
   std::uint32_t size_ = 0;
   std::uint32_t count_ = 0;
   typename Curve::Points points_;
-  std::bitset<TargetCount> isStored_;  // where these points are already
+  std::bitset<TargetCount> isStored_;  // where these are already
 
   // The level at hand: its block of lines is its energy and its transitions.
   std::uint32_t levelCount_ = 0;
@@ -165,8 +165,8 @@ class EndfReader {
 
   // The record at hand of the spectra or the angular distribution.
   bool inYields_ = false;
-  Law recordLaw_ = Curve::LinLin;
-  T energy_ = 0;  // [keV]
+  Law recordLaw_ = Law(0);  // none yet
+  T energy_ = 0;            // [keV]
   std::uint32_t recordSize_ = 0;
   std::uint32_t recordCount_ = 0;
 
