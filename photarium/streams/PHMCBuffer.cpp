@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <limits>
 #include <stdexcept>
@@ -42,10 +43,6 @@ constexpr std::array<Code, 256> makeCodes() {
 }
 constexpr std::array<Code, 256> Codes = makeCodes();
 
-Code const& codeOf(int byte) {
-  return Codes[static_cast<unsigned char>(byte)];
-}
-
 // What a code stands for: a byte, or one of these.
 enum Meaning : short { Above = 256, LineFeed, Prefix, Escape, End };
 
@@ -82,14 +79,16 @@ constexpr Entries makeEntries() {
 }
 constexpr Entries SymbolEntries = makeEntries();
 
-// All symbols that the next 12 bits hold, as far as they are bytes with a code
-// of their own or repeat the byte above, which a zero stands for.
+// What the next 12 bits hold: symbols of bytes with a code of their own or of
+// Above, as far as they are complete; or one run of Above. No symbols: another
+// code, or one that is longer.
 struct Step {
-  char text[6];
-  unsigned char symbols;
+  char text[6];           // zero for a byte from the line above
+  unsigned char symbols;  // bytes of text, all from the line above in a run
   unsigned char bits;
 };
 constexpr int StepBits = 12;
+constexpr int LongestStep = 17;
 
 constexpr Step makeStep(unsigned int window) {
   Step step{};
@@ -108,38 +107,92 @@ constexpr std::array<Step, 1 << StepBits> makeSteps() {
   std::array<Step, 1 << StepBits> steps{};
   for (unsigned int window = 0; window < steps.size(); ++window)
     steps[window] = makeStep(window);
+  // 101, the factor less 2 in 4 bits, 11, and 3 bits of whatever follows.
+  for (unsigned int field = 0; field < 16; ++field)
+    for (unsigned int tail = 0; tail < 8; ++tail)
+      steps[5u << 9 | field << 5 | 3u << 3 | tail] = {
+          {}, static_cast<unsigned char>(field + 2), 9};
   return steps;
 }
 constexpr std::array<Step, 1 << StepBits> Steps = makeSteps();
 
-// Replaces the zero bytes of `text`, which holds no byte above 127, by those of
-// `above`.
-std::uint64_t fillFrom(std::uint64_t above, std::uint64_t text) {
+// Writes the bytes of a step, and more than that; both texts go on behind it.
+void applyStep(Step const& step, char const* above, char* line) {
   constexpr std::uint64_t low7 = 0x7f7f7f7f7f7f7f7f;
-  std::uint64_t const isSet = (text + low7) & ~low7;
-  return text | (above & ~((isSet >> 7) * 255));
+  std::uint64_t text;
+  std::uint64_t repeated;
+  std::memcpy(&text, &step, sizeof(text));
+  text &= std::bit_cast<std::uint64_t>(Step{{-1, -1, -1, -1, -1, -1}, 0, 0});
+  std::memcpy(&repeated, above, sizeof(repeated));
+  // No byte of a step is above 127, so that none carries into the next.
+  std::uint64_t const isSet = ((text + low7) & ~low7) >> 7;
+  text |= repeated & ~(isSet * 255);
+  std::memcpy(line, &text, sizeof(text));
+  std::memcpy(line + sizeof(text), above + sizeof(text), 16);
 }
+constexpr std::size_t StepReach = sizeof(Step) + 16;
+static_assert(LongestStep <= StepReach);
+
+// The bytes that a stream buffer holds ready. They are seen without being
+// taken, so that nothing behind the end code is touched.
+struct ReadyBytes : std::streambuf {
+  static char const* begin(std::streambuf const& source) {
+    return (source.*&ReadyBytes::gptr)();
+  }
+  static char const* end(std::streambuf const& source) {
+    return (source.*&ReadyBytes::egptr)();
+  }
+  static void take(std::streambuf& source, std::ptrdiff_t size) {
+    (source.*&ReadyBytes::gbump)(static_cast<int>(size));
+  }
+};
+
+// Bits from contiguous bytes, left-aligned.
+class BitWindow {
+ public:
+  BitWindow(unsigned int firstBits, int firstCount, char const* from,
+            char const* to)
+      : bits(std::uint64_t(firstBits) << 32),
+        count(firstCount),
+        next(from),
+        end(to) {}
+
+  // Makes room for four steps, if that many bytes are ready.
+  bool fill() {
+    if (end - next < 8) return false;
+    std::uint64_t word = 0;
+    for (int byte = 0; byte < 8; ++byte)
+      word = word << 8 | static_cast<unsigned char>(next[byte]);
+    bits |= word >> count;
+    next += (63 - count) / 8;
+    count |= 56;
+    return true;
+  }
+
+  Step const& step() const { return Steps[bits >> (64 - StepBits)]; }
+
+  void drop(int size) {
+    bits <<= size;
+    count -= size;
+  }
+
+  // The bits of the byte that was begun; the position behind it.
+  char const* leave(unsigned int& leftBits, int& leftCount) const {
+    leftCount = count % 8;
+    leftBits = static_cast<unsigned int>(bits >> 32) & ~(~0u >> leftCount);
+    return next - count / 8;
+  }
+
+ private:
+  std::uint64_t bits;
+  int count;
+  char const* next;
+  char const* end;
+};
 
 // Bits fetched are kept left-aligned in this many.
 constexpr int WindowBits = std::numeric_limits<unsigned int>::digits;
 static_assert(WindowBits == 32);
-
-// Fetches bytes until the longest code is complete; false if the source ends or
-// fails before. An end code of that length is still to come, so that nothing
-// behind it is touched.
-bool fetchCode(std::streambuf& source, unsigned int& bits, int& count) {
-  try {
-    while (count < EscapeBits) {
-      int const byte = source.sbumpc();
-      if (Traits::eq_int_type(byte, Traits::eof())) return false;
-      bits |= static_cast<unsigned int>(byte) << (WindowBits - 8 - count);
-      count += 8;
-    }
-    return true;
-  } catch (...) {
-    return false;
-  }
-}
 
 }  // namespace
 
@@ -169,6 +222,8 @@ PHMCBuffer::PHMCBuffer(PHMCBuffer const& other)
       writing(other.writing),
       readRun(other.readRun),
       writeRun(other.writeRun),
+      lineSize(other.lineSize),
+      aboveSize(other.aboveSize),
       rest(other.rest),
       scanned(other.scanned) {
   std::copy(other.pbase(), other.pptr(), putArea);
@@ -243,12 +298,6 @@ unsigned int PHMCBuffer::extract(int nbits) {
   return result;
 }
 
-// What is not there shows once it is needed, by fetch().
-bool PHMCBuffer::prefetch() {
-  return input->good() &&
-         fetchCode(*input->rdbuf(), reading.bits, reading.count);
-}
-
 PHMCBuffer::Symbol PHMCBuffer::nextSymbol() const {
   Entry const entry = SymbolEntries[reading.bits >> (WindowBits - EntryBits)];
   unsigned int const code = reading.bits >> (WindowBits - entry.bits);
@@ -259,7 +308,6 @@ PHMCBuffer::Symbol PHMCBuffer::nextSymbol() const {
 }
 
 PHMCBuffer::Symbol PHMCBuffer::takeSymbol() {
-  prefetch();
   Symbol symbol = nextSymbol();
   while (symbol.bits > reading.count) {
     fetch();
@@ -281,37 +329,29 @@ void PHMCBuffer::decode(std::size_t& used) {
   }
 }
 
-// Takes whole steps as long as the line stays inside the one above it. What
-// they cannot take is left to decodeRun().
+// Takes whole steps from the bytes that are ready, as long as the line stays
+// inside the one above it. What they cannot take is left to decodeRun().
 void PHMCBuffer::decodeInside() {
-  constexpr std::size_t chunkSize = 256;
-  char chunk[chunkSize];
-  std::size_t const left =
-      reading.second.size() -
-      std::min(reading.first.size(), reading.second.size());
-  std::size_t const room = std::min(left, chunkSize);
-  if (room < sizeof(Step) || !prefetch()) return;
-  char const* const above = reading.second.data() + reading.first.size();
+  if (lineSize >= aboveSize || !input->good()) return;
+  std::size_t const room = aboveSize - lineSize;
+  char const* const above = reading.second.data() + lineSize;
+  char* const line = reading.first.data() + lineSize;
   std::streambuf& source = *input->rdbuf();
-  unsigned int bits = reading.bits;
-  int count = reading.count;
+  char const* const ready = ReadyBytes::begin(source);
+  BitWindow window(reading.bits, reading.count, ready, ReadyBytes::end(source));
   std::size_t length = 0;
-  do {
-    Step const& step = Steps[bits >> (WindowBits - StepBits)];
-    if (step.symbols == 0) break;
-    std::uint64_t text;
-    std::uint64_t repeated;
-    std::memcpy(&text, &step, sizeof(text));
-    std::memcpy(&repeated, above + length, sizeof(repeated));
-    text = fillFrom(repeated, text);
-    std::memcpy(chunk + length, &text, sizeof(text));
-    length += step.symbols;
-    bits <<= step.bits;
-    count -= step.bits;
-  } while (length + sizeof(Step) <= room && fetchCode(source, bits, count));
-  reading.bits = bits;
-  reading.count = count;
-  reading.first.append(chunk, length);
+  for (bool isInside = true; isInside && window.fill();) {
+    for (int i = 0; i < 4; ++i) {
+      Step const& step = window.step();
+      isInside = step.symbols != 0 && length + step.symbols <= room;
+      if (!isInside) break;
+      applyStep(step, above + length, line + length);
+      length += step.symbols;
+      window.drop(step.bits);
+    }
+  }
+  ReadyBytes::take(source, window.leave(reading.bits, reading.count) - ready);
+  lineSize += length;
 }
 
 void PHMCBuffer::decodeRun() {
@@ -329,27 +369,36 @@ void PHMCBuffer::decodeRun() {
     readRun = {factor, symbol.meaning};
 }
 
-// Applies the run to the text as far as the getArea area has room.
+// Applies the run to the text as far as the get area has room.
 void PHMCBuffer::deliver(std::size_t& used) {
-  std::string& line = reading.first;
-  std::string const& above = reading.second;
   while (readRun.count > 0 && used < GetSize) {
     std::uint64_t copies = 1;
     if (readRun.symbol < Above) {
       copies = readRun.count;
-      if (copies > lineLimit - line.size())
+      if (copies > lineLimit - lineSize)
         throw std::runtime_error("Line too long in input!");
-      line.append(static_cast<std::size_t>(copies),
+      auto const size = static_cast<std::size_t>(copies);
+      reserveLine(lineSize + size);
+      std::fill_n(reading.first.data() + lineSize, size,
                   static_cast<char>(readRun.symbol));
-    } else if (readRun.symbol == Above && line.size() < above.size()) {
-      copies =
-          std::min<std::uint64_t>(readRun.count, above.size() - line.size());
-      line.append(above, line.size(), static_cast<std::size_t>(copies));
+      lineSize += size;
+    } else if (readRun.symbol == Above && lineSize < aboveSize) {
+      copies = std::min<std::uint64_t>(readRun.count, aboveSize - lineSize);
+      auto const size = static_cast<std::size_t>(copies);
+      std::copy_n(reading.second.data() + lineSize, size,
+                  reading.first.data() + lineSize);
+      lineSize += size;
     } else {
       outputLine(used);
     }
     readRun.count -= copies;
   }
+}
+
+// Room for a line of that size, and for a step that goes on behind it.
+void PHMCBuffer::reserveLine(std::size_t size) {
+  if (reading.first.size() < size + StepReach)
+    reading.first.resize(size + StepReach + 64);
 }
 
 void PHMCBuffer::outputString(std::string& s, std::size_t& used) {
@@ -361,16 +410,18 @@ void PHMCBuffer::outputString(std::string& s, std::size_t& used) {
 
 void PHMCBuffer::outputLine(std::size_t& used) {
   reading.second.swap(reading.first);
-  reading.first.clear();
-  rest = reading.second.size() + 1;
+  aboveSize = lineSize;
+  lineSize = 0;
+  reserveLine(aboveSize);
+  rest = aboveSize + 1;
   deliverRest(used);
 }
 
 void PHMCBuffer::deliverRest(std::size_t& used) {
-  std::string const& line = reading.second;
   if (rest > 1) {
-    std::size_t const begin = line.size() + 1 - rest;
-    std::size_t const size = line.copy(getArea + used, GetSize - used, begin);
+    std::size_t const size = std::min(rest - 1, GetSize - used);
+    std::memcpy(getArea + used, reading.second.data() + aboveSize + 1 - rest,
+                size);
     used += size;
     rest -= size;
   }
@@ -438,14 +489,6 @@ class BitSink {
 
 bool isLineEnd(char c) {
   return c == '\n' || c == '\r';
-}
-
-// Length of the run of equal symbols at `begin`.
-std::size_t runLength(char const* begin, char const* end) {
-  char const symbol = *begin;
-  return static_cast<std::size_t>(
-      std::find_if(begin + 1, end, [&](char c) { return c != symbol; }) -
-      begin);
 }
 
 }  // namespace
@@ -554,27 +597,27 @@ void PHMCBuffer::newline(std::size_t count) {
 void PHMCBuffer::encode(bool final) {
   writing.first.erase(0, transformLines(final));
   BitSink sink(writing.bits, writing.count, *output);
-  auto const addHeldBack = [&] {
-    if (writeRun.count == 0) return;
-    Code const code = codeOf(writeRun.symbol);
-    addRun(writeRun.count, code.value, code.bits,
-           [&](unsigned int value, int bits) { sink.append(value, bits); });
+  Run run = writeRun;
+  auto const addSymbols = [&] {
+    Code const code = Codes[static_cast<unsigned char>(run.symbol)];
+    if (run.count == 1)
+      sink.append(code.value, code.bits);
+    else if (run.count > 1)
+      addRun(run.count, code.value, code.bits,
+             [&](unsigned int value, int bits) { sink.append(value, bits); });
   };
-  char const* symbol = writing.third.data();
-  char const* const end = symbol + writing.third.size();
-  while (symbol != end) {
-    std::size_t const length = runLength(symbol, end);
-    if (*symbol != writeRun.symbol) {
-      addHeldBack();
-      writeRun = {0, *symbol};
+  for (char const symbol : writing.third) {
+    if (symbol != run.symbol) {
+      addSymbols();
+      run = {0, symbol};
     }
-    writeRun.count += length;
-    symbol += length;
+    ++run.count;
   }
   if (final) {
-    addHeldBack();
-    writeRun.count = 0;
+    addSymbols();
+    run.count = 0;
   }
+  writeRun = run;
   sink.finish(writing.bits, writing.count);
 }
 

@@ -154,7 +154,6 @@ class PHOTARIUM_EXPORT PHMCBuffer : public std::streambuf {
 
   std::size_t readHeader();
   void fetch();
-  bool prefetch();
   Symbol nextSymbol() const;
   Symbol takeSymbol();
   void decode(std::size_t& used);
@@ -162,6 +161,7 @@ class PHOTARIUM_EXPORT PHMCBuffer : public std::streambuf {
   void decodeRun();
   void deliver(std::size_t& used);
   void deliverRest(std::size_t& used);
+  void reserveLine(std::size_t size);
   template <class Add>
   static void addRun(std::uint64_t count, unsigned int code, int nbits,
                      Add add);
@@ -178,7 +178,10 @@ class PHOTARIUM_EXPORT PHMCBuffer : public std::streambuf {
   char getArea[GetSize];
   Run readRun;
   Run writeRun;
-  std::size_t rest = 0;     // bytes of the previous line, with its line feed,
-                            // that found no room in the get area
-  std::size_t scanned = 0;  // bytes of raw text known to hold no line end
+  // The lines of the read state have spare bytes behind them.
+  std::size_t lineSize = 0;   // of the line under construction
+  std::size_t aboveSize = 0;  // of the previous line
+  std::size_t rest = 0;       // bytes of the previous line, with its line feed,
+                              // that found no room in the get area
+  std::size_t scanned = 0;    // bytes of raw text known to hold no line end
 };
