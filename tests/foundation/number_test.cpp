@@ -414,6 +414,26 @@ TEST(appendNumber, WritesTheBytesOfAStreamForUsualMagnitudes) {
     expectStreamBytes(std::pow(10., exponent(random)), i % 18);
 }
 
+TEST(appendNumber, RoundsTiesLikeAStream) {
+  Random random(10);
+  for (int i = 0; i < 5000; ++i) {
+    double const whole = static_cast<double>(random() % 9000000 + 1000000);
+    for (double tie : {whole + 0.5, (whole + 0.5) / 8, (whole + 0.5) / 1024})
+      for (int precision : {3, 5, 6}) expectStreamBytes(tie, precision);
+  }
+}
+
+TEST(appendNumber, WritesTheBytesOfAStreamAroundPowersOfTen) {
+  for (int ten = -25; ten <= 12; ++ten) {
+    double const power = std::pow(10., ten);
+    double const below = std::nextafter(power, 0);
+    for (double value : {below, power, std::nextafter(power, 1e300),
+                         power * 9.9999994999, power * 9.9999995001})
+      for (int precision = 0; precision <= 9; ++precision)
+        expectStreamBytes(value, precision);
+  }
+}
+
 TEST(appendNumber, WritesMoreDigitsThanADoubleHas) {
   expectStreamBytes(Limits::max(), 500);
   expectStreamBytes(Limits::denorm_min(), 1200);
