@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <exception>
 #include <iostream>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -41,17 +40,17 @@ struct Column {
 
 template <class T>
 Column<T> sample(AttenuationCoeff<T> const& coeff,
-                 std::map<T const, T> const& grid, T factor,
+                 std::vector<T> const& energies, T factor,
                  std::string const& name, bool extrapolate) {
   Column<T> column;
   named(name, [&] {
     AttenuationCoeff<T> const curve(coeff, factor);
-    column.values.reserve(grid.size());
-    column.held.reserve(grid.size());
-    for (auto const& node : grid) {
-      bool const held = extrapolate || curve.covers(node.first);
+    column.values.reserve(energies.size());
+    column.held.reserve(energies.size());
+    for (T energy : energies) {
+      bool const held = extrapolate || curve.covers(energy);
       T value = 0;
-      if (held) value += curve(node.first, extrapolate);
+      if (held) value += curve(energy, extrapolate);
       column.values.push_back(value);
       column.held.push_back(held);
     }
@@ -64,15 +63,17 @@ template <class T>
 class PhotonTable {
  public:
   PhotonTable(Material<T> const& material, bool extrapolate,
-              std::map<T const, T> const& grid)
-      : columns_{sample(material.Absorption, grid, material.Density,
+              std::vector<T> const& energies)
+      : columns_{sample(material.Absorption, energies, material.Density,
                         "Absorption " + material.Name, extrapolate),
-                 sample(material.Incoherent, grid, material.Density,
+                 sample(material.Incoherent, energies, material.Density,
                         "Incoherent " + material.Name, extrapolate),
-                 sample(material.Coherent, grid, material.Density,
+                 sample(material.Coherent, energies, material.Density,
                         "Coherent " + material.Name, extrapolate),
-                 sample(material.Pair, grid, material.Density,
+                 sample(material.Pair, energies, material.Density,
                         "Pair " + material.Name, extrapolate)} {}
+
+  std::size_t size() const { return columns_[0].values.size(); }
 
   // Number of curves that cover the energy at position `i`.
   unsigned int count(std::size_t i) const {
@@ -87,7 +88,7 @@ class PhotonTable {
 
   void write(std::ostream& out) const {
     TableText rows(out);
-    for (std::size_t i = 0; i < columns_[0].values.size(); ++i) {
+    for (std::size_t i = 0; i < size(); ++i) {
       if (!isComplete(i)) continue;
       char const* separator = "";
       for (auto const& column : columns_) {
@@ -105,16 +106,19 @@ class PhotonTable {
 };
 
 // Puts the absorption into `grid` and removes the energies that the table lacks
-// data for, naming those that some of the curves cover. Returns the number of
-// energies that any of them does.
+// data for, also from `energies`, naming those that some of the curves cover.
+// Returns the number of energies that any of them does.
 template <class T>
-std::uint64_t reduce(PhotonTable<T> const& table, std::map<T const, T>& grid) {
+std::uint64_t reduce(PhotonTable<T> const& table, std::map<T const, T>& grid,
+                     std::vector<T>& energies) {
   std::uint64_t covered = 0;
   std::size_t i = 0;
+  energies.clear();
   for (auto node = grid.begin(); node != grid.end(); ++i) {
     unsigned int const count = table.count(i);
     covered += count > 0 ? 1 : 0;
     if (table.isComplete(i)) {
+      energies.push_back(node->first);
       node->second = table.absorption(i);
       ++node;
       continue;
@@ -127,11 +131,10 @@ std::uint64_t reduce(PhotonTable<T> const& table, std::map<T const, T>& grid) {
 
 // The step of a regular grid, 0 for a single energy.
 template <class T>
-T regularStep(std::map<T const, T> const& grid) {
+T regularStep(std::vector<T> const& energies) {
   T step = 0;
-  auto before = grid.begin();
-  for (auto node = std::next(before); node != grid.end(); before = node++) {
-    T const difference = node->first - before->first;
+  for (std::size_t i = 1; i < energies.size(); ++i) {
+    T const difference = energies[i] - energies[i - 1];
     if (step == 0)
       step = difference;
     else if (std::abs(difference / step - 1) > T(1e-5))
@@ -141,28 +144,30 @@ T regularStep(std::map<T const, T> const& grid) {
 }
 
 template <class T>
-void requireEnergies(std::map<T const, T> const& grid) {
-  if (grid.empty()) throw std::runtime_error("No energies given");
+void requireEnergies(std::vector<T> const& energies) {
+  if (energies.empty()) throw std::runtime_error("No energies given");
 }
 
 template <class T>
 void writeTable(std::ostream& out, PlotConfig<T> const& plot,
                 Material<T> const& material, std::map<T const, T>& grid,
                 std::string& findings) {
-  requireEnergies(grid);
-  PhotonTable<T> const table(material, plot.Extrapolate, grid);
-  std::size_t const size = grid.size();
-  std::uint64_t const covered = reduce(table, grid);
-  if (grid.size() != size)
+  std::vector<T> energies;
+  energies.reserve(grid.size());
+  for (auto const& node : grid) energies.push_back(node.first);
+  requireEnergies(energies);
+  PhotonTable<T> const table(material, plot.Extrapolate, energies);
+  std::uint64_t const covered = reduce(table, grid, energies);
+  if (energies.size() != table.size())
     findings += "Not enough data for requested energy values\n";
-  requireEnergies(grid);
+  requireEnergies(energies);
   TableHeader<T> header;
   header.Name = material.Name;
   header.Kind = "ACRP";
   header.Columns = 4;
   header.Rows = covered;
-  header.First = grid.begin()->first;
-  header.Step = regularStep(grid);
+  header.First = energies.front();
+  header.Step = regularStep(energies);
   header.Last = T(covered - 1) * header.Step + header.First;
   header.Density = material.Density;
   out << header.text()

@@ -92,17 +92,13 @@ void generate(GridConfig<T> const& config, std::map<T const, T>& grid,
   }
 }
 
-// Width of the bin of `node`, 1 on a grid of one node.
-template <class T, class Node>
-T binWidth(Node node, std::map<T const, T> const& grid) {
-  Node const next = std::next(node);
-  bool const isFirst = node == grid.begin();
-  bool const isLast = next == grid.end();
-  if (isFirst && isLast) return 1;
-  T const above = isLast ? node->first : next->first;
-  T const below = isFirst ? node->first : std::prev(node)->first;
+// Width of the bin of a node between two others; an end node stands for the
+// neighbour that it lacks. 1 on a grid of one node.
+template <class T>
+T binWidth(T below, T energy, T above) {
+  if (below == above) return 1;
   T const width = (above - below) * T(0.5);
-  return isFirst || isLast ? width * 2 : width;
+  return below == energy || above == energy ? width * 2 : width;
 }
 
 }  // namespace
@@ -158,14 +154,19 @@ void WriteGrid(std::ostream& out, std::map<T const, T> const& grid,
   flux = 0;
   avg = 0;
   auto label = labels.begin();
-  for (auto node = grid.begin(); node != grid.end(); ++node) {
+  auto next = grid.begin();
+  T below = grid.empty() ? T(0) : next->first;
+  for (auto node = next; node != grid.end(); node = next) {
+    ++next;
+    T const above = next == grid.end() ? node->first : next->first;
+    T const width = binWidth(below, node->first, above);
+    below = node->first;
     auto const* const text = label == labels.end() ? nullptr : &label->second;
     if (text) ++label;
     T intensity = node->second * factor;
     bool const tiny = dropTiny && intensity < std::numeric_limits<T>::min();
     if (std::isnan(intensity) || tiny) intensity = 0;
     if (std::isinf(intensity)) continue;
-    T const width = binWidth(node, grid);
     T const contents = inBinned ? intensity : intensity * width;
     avg += contents * node->first;
     flux += contents;
