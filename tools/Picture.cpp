@@ -247,7 +247,6 @@ Picture::Picture(std::string const& file) : file_(file) {
 }
 
 void Picture::draw(PicturePage const& page) const {
-  if (!isWanted()) return;
   std::string const commands = script(page, isVector_);
   SafeFile picture(file_);
   Pipe pipe;

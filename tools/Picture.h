@@ -34,7 +34,7 @@ struct PicturePage {
 ///
 ///     Picture const picture(line.value("plot"));  // throws for "brass.gif"
 ///     ...
-///     picture.draw(page);
+///     if (picture.isWanted()) picture.draw(page);
 ///
 /// Values that a logarithmic axis cannot show are left out. The file appears
 /// complete or not at all. No text reaches gnuplot other than as data or
@@ -47,8 +47,8 @@ class Picture {
 
   bool isWanted() const { return !file_.empty(); }
 
-  /// Draws `page`, if a picture is wanted. Throws std::runtime_error if gnuplot
-  /// is missing or fails, or if the file cannot be written.
+  /// Draws `page`; belongs behind isWanted(). Throws std::runtime_error if
+  /// gnuplot is missing or fails, or if the file cannot be written.
   void draw(PicturePage const& page) const;
 
  private:

@@ -84,8 +84,10 @@ std::string absoluteList(std::string const& directory,
   if (fs::exists(ConcatPath(directory, files), ignored))
     return ConcatPath(directory, files);
   std::string list;
-  for (auto const& file : split<std::string>(files, ";", /*keepEmpty=*/false))
-    list += (list.empty() ? "" : ";") + ConcatPath(directory, file);
+  for (auto const& file : split<std::string>(files, ";", /*keepEmpty=*/false)) {
+    if (!list.empty()) list += ';';
+    list += ConcatPath(directory, file);
+  }
   return files.find(';') == std::string::npos ? ConcatPath(directory, files)
                                               : list;
 }

@@ -56,6 +56,10 @@ void load(Material<double>& material, MaterialConfig<double>& settings) {
   loadFor(material, settings);
 }
 
+void load(Material<double>& material, SpectConfig<double>& settings) {
+  loadFor(material, settings);
+}
+
 void check(Config<double>& settings) {
   try {
     settings.check();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "photarium/config/MaterialConfig.h"
+#include "photarium/config/SpectConfig.h"
 #include "photarium/material/Material.h"
 
 namespace Tool {
@@ -9,6 +10,9 @@ namespace Tool {
 /// finds. Findings go to standard error, the data stand. A failure names the
 /// files that were tried.
 void load(Material<double>& material, MaterialConfig<double>& settings);
+
+/// The same with the bremsstrahlung data.
+void load(Material<double>& material, SpectConfig<double>& settings);
 
 /// Checks the settings: prints what a check corrects, throws UsageError for
 /// what cannot be used. Belongs behind load(), which looks the density up.

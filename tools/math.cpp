@@ -214,7 +214,7 @@ void runMath(Arguments const& arguments) {
   double average = 0, flux = 0;
   Grid::WriteGrid(output.stream(), grid, first.labels, first.settings.Bin,
                   first.settings.Bin, average, flux, 1., /*dropTiny=*/false);
-  picture.draw(pageOf(first, second, grid, settings));
+  if (picture.isWanted()) picture.draw(pageOf(first, second, grid, settings));
   output.finish();
 }
 

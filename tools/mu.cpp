@@ -215,7 +215,7 @@ EnergyGrid energyGrid(Plot& plot, Material<double> const& material,
 }
 
 void print(std::ostream& out, Plot const& plot,
-           Material<double> const& material, EnergyGrid grid,
+           Material<double> const& material, EnergyGrid& grid,
            LabelMap<double>& labels) {
   std::size_t const nodes = grid.size();
   try {
@@ -241,16 +241,17 @@ void runMu(Arguments const& arguments) {
   load(material, plot);
   check(plot);
   LabelMap<double> labels;
-  EnergyGrid const grid = energyGrid(plot, material, labels);
+  EnergyGrid grid = energyGrid(plot, material, labels);
   std::vector<double> energies;
-  for (auto const& [energy, value] : grid) energies.push_back(energy);
+  if (line.has("json") || picture.isWanted())
+    for (auto const& [energy, value] : grid) energies.push_back(energy);
 
   Output output(line.value("output"));
   if (line.has("json"))
     output.stream() << toJson(plot, material, energies);
   else
     print(output.stream(), plot, material, grid, labels);
-  picture.draw(pageOf(plot, material, energies));
+  if (picture.isWanted()) picture.draw(pageOf(plot, material, energies));
   output.finish();
 }
 
