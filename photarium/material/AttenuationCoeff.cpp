@@ -126,8 +126,10 @@ class AttenuationCoeff<T>::Operand {
     range_ = range;
     energies_.clear();
     withSpline(range->spline, [this](auto const& spline) {
-      for (auto const& node : spline.records())
-        energies_.push_back(plainEnergy(range_->type, node.first));
+      for (auto const& node : spline.records()) {
+        T const plain = plainEnergy(range_->type, node.first);
+        if (!std::isnan(plain)) energies_.push_back(plain);
+      }
     });
   }
 
