@@ -50,13 +50,9 @@ Levels<T> ownLevels(std::vector<Edge<T>> const& edges,
   for (Edge<T> const& edge : edges) {
     if (edge.Energy > E) continue;
     auto const curve = data.find(edge.ID);
-    if (curve == data.end()) continue;
-    try {
-      T const value = curve->second(E, /*extrapolate=*/false);
-      levels.emplace_back(&edge, value * density);
-    } catch (...) {
-      // Outside its data a level is not known to be ionized.
-    }
+    if (curve == data.end() || !curve->second.covers(E)) continue;
+    T const value = curve->second(E, /*extrapolate=*/false);
+    levels.emplace_back(&edge, value * density);
   }
   return levels;
 }
