@@ -1,7 +1,5 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <random>
 #include <sstream>
 #include <stdexcept>
@@ -60,14 +58,17 @@ inline std::ostream& operator<<(std::ostream& out, Outcome const& outcome) {
              << outcome.behind.size() << " left";
 }
 
+/// The outcome of reading `bytes` until `limit` bytes of text have come.
 template <class Codec>
-Outcome outcome(std::string const& bytes) {
+Outcome outcome(std::string const& bytes,
+                std::size_t limit = std::string::npos) {
   std::istringstream in(bytes);
   std::ostringstream out;
   Codec codec(in, out);
   Outcome result;
   try {
-    for (int c; (c = codec.sgetc()) != std::char_traits<char>::eof();) {
+    while (result.text.size() < limit &&
+           codec.sgetc() != std::char_traits<char>::eof()) {
       std::string text(std::size_t(codec.in_avail()), '\0');
       codec.sgetn(text.data(), std::streamsize(text.size()));
       result.text += text;
