@@ -1,6 +1,5 @@
 #include "photarium/foundation/text.h"
 
-#include <cctype>
 #include <stdexcept>
 
 #include "photarium/foundation/number.h"
@@ -13,6 +12,19 @@ bool isLetter(char c) {
 
 std::string cleanedPath(std::string const& path) {
   return std::string(trimmed(trimmed(path), "\""));
+}
+
+// Calls `take` with each field of `text` until it returns false.
+template <class Take>
+void forEachField(std::string_view text, std::string_view delimiters,
+                  bool keepEmpty, Take const& take) {
+  for (;;) {
+    std::size_t const end = text.find_first_of(delimiters);
+    std::string_view const field = text.substr(0, end);
+    bool const isTaken = keepEmpty || !field.empty();
+    if ((isTaken && !take(field)) || end == std::string_view::npos) return;
+    text.remove_prefix(end + 1);
+  }
 }
 
 }  // namespace
@@ -57,13 +69,10 @@ template <>
 void split(std::vector<std::string>& out, std::string const& text,
            std::string const& delimiters, bool keepEmpty) {
   out.clear();
-  std::size_t start = 0;
-  for (std::size_t p = text.find_first_of(delimiters); p != std::string::npos;
-       p = text.find_first_of(delimiters, start)) {
-    if (keepEmpty || p > start) out.push_back(text.substr(start, p - start));
-    start = p + 1;
-  }
-  if (keepEmpty || start < text.size()) out.push_back(text.substr(start));
+  forEachField(text, delimiters, keepEmpty, [&](std::string_view field) {
+    out.emplace_back(field);
+    return true;
+  });
 }
 
 template <class T>
@@ -71,18 +80,21 @@ void split(std::vector<T>& out, std::string const& text,
            std::string const& delimiters, bool keepEmpty) {
   bool const grows = out.empty();
   T value = grows ? T() : out[0];
-  auto const fields = split<std::string>(text, delimiters, keepEmpty);
-  for (std::size_t i = 0; i < fields.size(); ++i) {
-    if (!grows && i == out.size()) break;
-    std::string_view rest = fields[i];
+  std::size_t count = 0;
+  forEachField(text, delimiters, keepEmpty, [&](std::string_view field) {
+    if (!grows && count == out.size()) return false;
+    std::string_view rest = field;
     if (!extractNumber(rest, value))
-      throw std::runtime_error("Couldn't parse " + fields[i]);
+      throw std::runtime_error("Couldn't parse " + std::string(field));
     if (grows)
       out.push_back(value);
     else
-      out[i] = value;
-  }
-  for (std::size_t i = fields.size(); i < out.size(); ++i) out[i] = value;
+      out[count] = value;
+    ++count;
+    return true;
+  });
+  // A shorter list fills the rest with its last value.
+  for (; count < out.size(); ++count) out[count] = value;
 }
 
 template void split(std::vector<double>&, std::string const&,
