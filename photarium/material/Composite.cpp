@@ -140,7 +140,9 @@ class Material<T>::Composite {
     Material& element = part.element;
     T const share = part.mass / sum_;
     shares_.emplace(share, element.Z, name);
-    whole_.Shares[element.Name] += share;
+    Share& own = whole_.Shares[element.Name];
+    own.Mass += share;
+    own.A = element.A;
     whole_.Z += share * element.Z;
     whole_.A += share * element.A;
     whole_.Density += share * element.Density;

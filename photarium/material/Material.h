@@ -81,8 +81,12 @@ class Material {
   std::map<SubshellID, AttenuationCoeff<T>> ElectronIonization;
   std::map<SubshellID, AttenuationCoeff<T>> PhotoIonization;
 
-  /// Weights by mass of the elements, by symbol, as update() found them.
-  std::map<std::string, T> Shares;
+  /// An element's part of the whole, as update() found it.
+  struct Share {
+    T Mass;  // weight by mass
+    T A;     // [g/mol], atomic weight
+  };
+  std::map<std::string, Share> Shares;  // by symbol
 
   // The database text that was read last, shared by all objects. The three
   // change together under a lock of the library's own; other threads may

@@ -56,7 +56,7 @@ void Material<T>::loadMaterial(MaterialConfig<T>& config, std::string& findings,
   try {
     load(config.DataFile, config.Directory, config.DataType, source);
     if (config.DataFile.empty()) config.DataFile = source.name;
-    Shares = {{Name, T(1)}};
+    Shares = {{Name, {T(1), A}}};
     return;
   } catch (...) {
     // Its message is dropped: that of the failed piece says more.
