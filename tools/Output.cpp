@@ -16,6 +16,7 @@ namespace Tool {
 namespace {
 
 constexpr std::size_t AreaSize = 65536;
+constexpr char NameEnd[] = ".XXXXXX";  // of a temporary file, see mkstemp
 
 std::runtime_error writeFailure(std::string const& name, int error) {
   return std::runtime_error("Could not write " + name + ": " +
@@ -82,27 +83,31 @@ int DescriptorBuffer::sync() {
 
 SafeFile::SafeFile(std::string const& target)
     : target_(target), isDirect_(isSpecial(target)) {
-  open();
-}
-
-void SafeFile::open() {
+  if (std::filesystem::is_directory(target_)) fail(EISDIR);
   if (isDirect_) {
-    path_ = target_;
-    descriptor_ = ::open(path_.c_str(), O_WRONLY | O_CLOEXEC);
-  } else if (std::filesystem::is_directory(target_)) {
-    fail(EISDIR);
+    descriptor_ = ::open(target_.c_str(), O_WRONLY | O_CLOEXEC);
   } else {
     target_ = resolved(target_);
-    path_ = target_ + ".XXXXXX";
-    descriptor_ = mkostemp(path_.data(), O_CLOEXEC);
+    openBeside();
   }
   if (descriptor_ < 0) fail(errno);
 }
 
+// A file without a name goes with the process, however that ends. Where the
+// disk knows no such files, a name of its own must do.
+void SafeFile::openBeside() {
+  std::string folder = std::filesystem::path(target_).parent_path().string();
+  if (folder.empty()) folder = ".";
+  descriptor_ = ::open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+  if (descriptor_ >= 0) return;
+  path_ = target_ + NameEnd;
+  descriptor_ = mkostemp(path_.data(), O_CLOEXEC);
+  if (descriptor_ < 0) path_.clear();
+}
+
 SafeFile::~SafeFile() {
-  if (descriptor_ < 0) return;
-  close(descriptor_);
-  if (!isDirect_) unlink(path_.c_str());
+  if (descriptor_ >= 0) close(descriptor_);
+  if (!path_.empty()) unlink(path_.c_str());
 }
 
 std::uintmax_t SafeFile::size() const {
@@ -112,16 +117,30 @@ std::uintmax_t SafeFile::size() const {
 }
 
 void SafeFile::keep() {
-  if (!isDirect_ && fchmod(descriptor_, permissionsOf(target_)) != 0)
-    fail(errno);
+  if (!isDirect_) {
+    if (fchmod(descriptor_, permissionsOf(target_)) != 0) fail(errno);
+    if (path_.empty()) giveName();
+  }
   int const closed = close(descriptor_);
-  int const error = errno;
   descriptor_ = -1;
-  if (isDirect_ && closed == 0) return;
-  if (closed == 0 && rename(path_.c_str(), target_.c_str()) == 0) return;
-  int const cause = closed == 0 ? errno : error;
-  if (!isDirect_) unlink(path_.c_str());
-  fail(cause);
+  if (closed != 0) fail(errno);
+  if (isDirect_) return;
+  if (rename(path_.c_str(), target_.c_str()) != 0) fail(errno);
+  path_.clear();
+}
+
+// A link cannot replace a file, so the new name is one of its own, too.
+void SafeFile::giveName() {
+  std::string const file = "/proc/self/fd/" + std::to_string(descriptor_);
+  for (int attempt = 0; path_.empty(); ++attempt) {
+    std::string const name = target_ + '.' + std::to_string(getpid()) + '-' +
+                             std::to_string(attempt);
+    if (linkat(AT_FDCWD, file.c_str(), AT_FDCWD, name.c_str(),
+               AT_SYMLINK_FOLLOW) == 0)
+      path_ = name;
+    else if (errno != EEXIST)
+      fail(errno);
+  }
 }
 
 void SafeFile::fail(int error) const {

@@ -30,7 +30,8 @@ class DescriptorBuffer : public std::streambuf {
 };
 
 /// A file that appears under its name once it is complete: written beside its
-/// target, then renamed. Gone without a trace if it is not kept.
+/// target, then renamed. Gone without a trace if it is not kept, even where a
+/// signal ends the process.
 ///
 /// Devices and pipes are written directly. Permissions of a file that is
 /// replaced stay. Throws std::runtime_error with the name and the cause.
@@ -49,11 +50,12 @@ class SafeFile {
   void keep();
 
  private:
-  void open();
+  void openBeside();
+  void giveName();
   [[noreturn]] void fail(int error) const;
 
   std::string target_;
-  std::string path_;
+  std::string path_;  // of its own until it is kept, empty while it has none
   bool isDirect_ = false;
   int descriptor_ = -1;
 };

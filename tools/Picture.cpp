@@ -60,13 +60,12 @@ bool isShown(PicturePage const& page, std::pair<double, double> const& point) {
   return isShown(point.first, page.logX) && isShown(point.second, page.logY);
 }
 
-// The data of one curve; a point that has no place leaves a gap.
+// The data of one curve without the points that have no place.
 std::string dataBlock(PicturePage const& page, std::size_t index) {
   std::string block = "$curve" + std::to_string(index) + " << EndOfCurve\n";
   for (auto const& point : page.curves[index].points)
-    block += isShown(page, point)
-                 ? number(point.first) + ' ' + number(point.second) + '\n'
-                 : "\n";
+    if (isShown(page, point))
+      block += number(point.first) + ' ' + number(point.second) + '\n';
   return block + "EndOfCurve\n";
 }
 
@@ -125,15 +124,19 @@ std::string markCommands(PicturePage const& page, Span span) {
   return commands;
 }
 
-std::string axisCommands(PicturePage const& page) {
+std::string axisCommands(PicturePage const& page, Span span) {
+  constexpr double ManyDecades = 2e4;
   std::string commands;
   if (page.logX) commands += "set logscale x\n";
-  if (page.logY) commands += "set logscale y\nset format y '10^{%L}'\n";
+  if (page.logX && span.high / span.low > ManyDecades)
+    commands += "set format x '10^{%L}'\n";
+  commands += page.logY ? "set logscale y\nset format y '10^{%L}'\n"
+                        : "set offsets 0, 0, graph 0.05, graph 0.03\n";
   commands += "set xlabel " + quoted(page.xLabel) + " noenhanced\n";
   commands += "set ylabel " + quoted(page.yLabel) + " noenhanced\n";
   commands += "set title " + quoted(page.title) + " noenhanced";
   // Room for the names of the marks.
-  commands += page.marks.empty() ? "\n" : " offset 0,2.2\nset tmargin 6\n";
+  commands += page.marks.empty() ? "\n" : " offset 0,1.9\nset tmargin 5.6\n";
   return commands;
 }
 
@@ -173,7 +176,7 @@ std::string script(PicturePage const& wanted, bool isVector) {
       "set grid lw 0.5 lc '#dddddd'\nset key top right noenhanced\n"
       "set xrange [" +
       number(span.low) + ":" + number(span.high) + "]\n";
-  text += axisCommands(page) + markCommands(page, span);
+  text += axisCommands(page, span) + markCommands(page, span);
   for (std::size_t i = 0; i < page.curves.size(); ++i)
     text += dataBlock(page, i);
   return text + plotCommand(page);

@@ -23,8 +23,13 @@ constexpr int LevelsToSource = 4;
 
 std::string absolute(std::string const& path) {
   std::error_code failure;
-  fs::path const full = fs::absolute(path.empty() ? "." : path, failure);
-  return failure ? path : full.lexically_normal().string();
+  fs::path full =
+      fs::absolute(path.empty() ? "." : path, failure).lexically_normal();
+  if (failure) return path;
+  // "." and a "/" at the end leave an empty name behind them.
+  if (!full.has_filename() && full.has_relative_path())
+    full = full.parent_path();
+  return full.string();
 }
 
 bool holdsData(fs::path const& folder) {
@@ -36,8 +41,7 @@ bool holdsData(fs::path const& folder) {
 std::string fromEnvironment() {
   char const* const value = std::getenv("PHOTARIUM_DATA");
   if (!value || !*value) return "";
-  fs::path folder = absolute(value);
-  if (!folder.has_filename()) folder = folder.parent_path();
+  fs::path const folder = absolute(value);
   if (holdsData(folder)) return folder.string();
   if (folder.filename() == "data" && holdsData(folder.parent_path()))
     return folder.parent_path().string();

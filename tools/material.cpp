@@ -33,15 +33,11 @@ struct Part {
   double byAtoms;
 };
 
-double atomicWeight(std::string const& symbol) {
-  return Material<double>(symbol, 0, 0, 0).A;
-}
-
 std::vector<Part> composition(Material<double> const& material) {
   std::vector<Part> parts;
   double atoms = 0;
   for (auto const& [symbol, share] : material.Shares) {
-    parts.push_back({symbol, share, share / atomicWeight(symbol)});
+    parts.push_back({symbol, share.Mass, share.Mass / share.A});
     atoms += parts.back().byAtoms;
   }
   for (auto& part : parts) part.byAtoms /= atoms;

@@ -222,6 +222,13 @@ void print(std::ostream& out, Plot const& plot,
     muPlot(out, plot, material, grid, labels);
   } catch (warning const& findings) {
     report(findings.what());
+  } catch (std::runtime_error const& error) {
+    // The library has named the energies that are left out.
+    std::string const hint =
+        "\nEnergies beyond the data or between their "
+        "ranges need --extrapolate";
+    throw std::runtime_error(error.what() +
+                             (plot.Extrapolate ? std::string() : hint));
   }
   if (grid.size() < nodes && !plot.ACRP)
     report(std::to_string(nodes - grid.size()) + " of " +

@@ -209,6 +209,81 @@ TEST(MuData, ComeFromTheProgramItselfWhereThereIsNoFolder) {
   EXPECT_EQ(program.shell("./alone mu | grep -c /proc/").out, "0\n");
 }
 
+TEST(MuData, AreFoundWhereAnInstallationPutsThem) {
+  Program const program;
+  std::filesystem::create_directories(program.folder() / "bin");
+  std::filesystem::create_directories(program.folder() /
+                                      "share/photarium/data");
+  std::filesystem::copy(PHOTARIUM_PROGRAM, program.folder() / "bin/photarium");
+  for (std::string const file : {"ElamDB12.txt", "ELossCorrections.txt"})
+    std::filesystem::copy(sourceDir() / "data" / file,
+                          program.folder() / "share/photarium/data");
+  Outcome const outcome =
+      program.shell("bin/photarium mu --material Cu | grep DataFile");
+  EXPECT_EQ(outcome.out, "# DataFile: " + program.folder().string() +
+                             "/share/photarium/data/ElamDB12.txt\n");
+}
+
+TEST(MuData, ThatAreAFolderAreAFailureWithAMessage) {
+  Outcome const outcome =
+      Program().run({"mu", "--material", "Cu", "--datafile", "/"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err.substr(0, 89),
+            "photarium: Error loading material data for Cu:\n"
+            "photarium: Could not open file while readi");
+}
+
+TEST(MuData, OfTheUserAreSearchedBelowTheDirectoryAlone) {
+  Program const program;
+  std::filesystem::create_directories(program.folder() / "mine");
+  std::filesystem::copy(sourceDir() / "data/ElamDB12.txt",
+                        program.folder() / "mine/db.txt");
+  Outcome const outcome = program.run({"mu", "--material", "Cu", "--directory",
+                                       "mine", "--datafile", "db.txt"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_NE(outcome.out.find("# DataFile: " + program.folder().string() +
+                             "/mine/db.txt\n"),
+            std::string::npos);
+}
+
+// The tables as published name groups of subshells from titanium on.
+TEST(MuData, OfThePublishedElamTablesLoadUpToScandium) {
+  PHOTARIUM_NEEDS_DATA();
+  Program const program;
+  std::string const file = (testData() / "elam/elam.dat").string();
+  for (std::string const element : {"H", "Al", "Ca", "Sc"})
+    EXPECT_EQ(
+        program.run({"mu", "--material", element, "--datafile", file}).status,
+        0)
+        << element;
+  Outcome const outcome =
+      program.run({"mu", "--material", "Ti", "--datafile", file});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_NE(outcome.err.find("Unknown subshell M4,5 while reading " + file),
+            std::string::npos);
+}
+
+TEST(MuData, FromLaboratoriesGiveTheOtherCurvesToo) {
+  PHOTARIUM_NEEDS_DATA();
+  Program const program;
+  NEEDS_GNUPLOT(program);
+  std::filesystem::create_directories(program.folder() / "data");
+  std::filesystem::create_directory_symlink(
+      testData() / "endf", program.folder() / "data/ENDF-VII0");
+  std::filesystem::copy(sourceDir() / "data/ELossCorrections.txt",
+                        program.folder() / "data");
+  for (std::string const curve :
+       {"formfactor", "scatfunc", "realfactor", "imagfactor", "eelscatter"}) {
+    Outcome const outcome =
+        program.run({"mu", "--material", "Cu", "--no-absorption", "--" + curve,
+                     "--plot", curve + ".png"});
+    EXPECT_EQ(outcome.status, 0) << curve;
+    EXPECT_EQ(outcome.err, "") << curve;
+    EXPECT_GT(rowsOf(outcome.out).size(), 50u) << curve;
+    EXPECT_EQ(program.text(curve + ".png").substr(0, 8), PngSignature);
+  }
+}
+
 TEST(MuJson, HasTheGridAndTheCurvesOfTheTable) {
   Program const program;
   auto const json =

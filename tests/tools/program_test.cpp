@@ -205,3 +205,21 @@ TEST(ProgramOutput, EndsQuietlyWhenNobodyReadsOn) {
   EXPECT_EQ(outcome.out, "#\n");
   EXPECT_EQ(outcome.err, "0\n");
 }
+
+TEST(ProgramOutput, LeavesNothingBehindASignal) {
+  Outcome const outcome = Program().shell(
+      "mkfifo pipe; photarium pack --output text.phc <pipe & child=$!; "
+      "exec 3>pipe; sleep 0.1; kill -9 $child; wait $child; ls text* | wc -l");
+  EXPECT_EQ(outcome.out, "0\n");
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+// The sanitizers take more address space than any limit leaves.
+TEST(ProgramMemory, ThatRunsOutIsAFailureWithAMessage) {
+  Outcome const outcome = Program().shell(
+      "ulimit -v 300000; photarium mu --material Cu --ebin 0.00002");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_EQ(outcome.err, "photarium: Not enough memory\n");
+}
+#endif
