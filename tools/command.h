@@ -41,6 +41,8 @@ struct ClosedPipe : std::runtime_error {
 
 // The commands, in the order of the overview; each in a source of its own.
 // A command throws where it has no result.
+void runDetector(Arguments const& arguments);
+void runFilter(Arguments const& arguments);
 void runMath(Arguments const& arguments);
 void runMaterial(Arguments const& arguments);
 void runMu(Arguments const& arguments);

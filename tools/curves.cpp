@@ -1,10 +1,12 @@
 #include "tools/curves.h"
 
 #include <algorithm>
+#include <cmath>
 #include <sstream>
 #include <string>
 #include <string_view>
 
+#include "photarium/foundation/constants.h"
 #include "photarium/foundation/number.h"
 
 namespace Tool {
@@ -23,6 +25,11 @@ std::vector<std::pair<double, double>> nodesOf(
       nodes.push_back(node);
   }
   return nodes;
+}
+
+double pathLength(GeometryConfig<double> const& geometry) {
+  return geometry.Thickness /
+         std::cos((90 - geometry.AngleIn) * Constants::DegRad);
 }
 
 }  // namespace Tool

@@ -3,6 +3,7 @@
 #include <utility>
 #include <vector>
 
+#include "photarium/config/GeometryConfig.h"
 #include "photarium/material/AttenuationCoeff.h"
 
 namespace Tool {
@@ -10,5 +11,8 @@ namespace Tool {
 /// The nodes of a curve as it prints them, range by range.
 std::vector<std::pair<double, double>> nodesOf(
     AttenuationCoeff<double> const& curve);
+
+/// Path through the layer that the geometry describes [cm].
+double pathLength(GeometryConfig<double> const& geometry);
 
 }  // namespace Tool

@@ -25,6 +25,8 @@ constexpr Command Commands[] = {
     {"mu", "[OPTIONS]", "attenuation as a table, a curve or a picture", runMu},
     {"material", "[OPTIONS]", "what is known of a material", runMaterial},
     {"math", "FIRST SECOND", "arithmetic on two spectrum files", runMath},
+    {"filter", "[FILE]", "a spectrum behind a filter", runFilter},
+    {"detector", "[OPTIONS]", "the settings of a detector", runDetector},
     {"pack", "[FILE]", "pack a text of numbers", runPack},
     {"unpack", "[FILE]", "unpack it again", runUnpack},
     {"help", "[COMMAND]", "this overview, or the help of a command", runHelp},

@@ -1,6 +1,5 @@
 // math: arithmetic on two spectrum files.
 
-#include <cmath>
 #include <map>
 #include <sstream>
 #include <stdexcept>
@@ -12,14 +11,12 @@
 #include "photarium/grid/Grid.h"
 #include "photarium/grid/SpectrumFile.h"
 #include "photarium/material/Material.h"
-#include "photarium/streams/PHMCStream.h"
 #include "tools/CommandLine.h"
-#include "tools/Input.h"
 #include "tools/Output.h"
 #include "tools/Picture.h"
 #include "tools/command.h"
 #include "tools/loading.h"
-#include "tools/report.h"
+#include "tools/spectra.h"
 
 namespace Tool {
 namespace {
@@ -41,20 +38,9 @@ struct Spectrum {
 };
 
 Spectrum read(std::string const& file, MathConfig<double> const& settings) {
-  Input input(file);
-  Spectrum spectrum{input.name(), settings, {}, {}};
-  std::ostringstream nothing;
-  PHMCStream text(input.stream(), nothing, /*plain=*/false);
-  text.exceptions(std::ios::badbit);  // a broken packed file is no short one
-  try {
-    Grid::ReadGrid(text, spectrum.grid, spectrum.labels, spectrum.settings,
-                   /*energiesOnly=*/false);
-  } catch (std::runtime_error const& error) {
-    throw std::runtime_error(error.what() + (" while reading " + input.name()));
-  }
-  input.finish();
-  if (spectrum.grid.empty())
-    throw std::runtime_error("No spectrum in " + input.name());
+  Spectrum spectrum{"", settings, {}, {}};
+  spectrum.name =
+      readSpectrum(file, spectrum.settings, spectrum.grid, spectrum.labels);
   return spectrum;
 }
 
@@ -113,17 +99,9 @@ std::map<double const, double> result(Spectrum const& first,
   return grid;
 }
 
-// A name in a comment line must not end the line.
-std::string oneLine(std::string text) {
-  for (char& c : text)
-    if (c == '\n' || c == '\r') c = ' ';
-  return text;
-}
-
 std::string described(char const* label, Spectrum const& spectrum) {
-  return std::string("# ") + label + ": " + oneLine(spectrum.name) + " (" +
-         std::to_string(spectrum.grid.size()) + " nodes, " +
-         (spectrum.settings.Bin ? "contents of bins" : "densities") + ")\n";
+  return describeSpectrum(label, spectrum.name, spectrum.grid.size(),
+                          spectrum.settings.Bin);
 }
 
 std::string transfer(MathConfig<double> const& settings) {
@@ -167,12 +145,6 @@ PicturePage pageOf(Spectrum const& first, Spectrum const& second,
   add(second.name, second.grid);
   add("result", grid);
   return page;
-}
-
-void reportInfinite(std::map<double const, double> const& grid) {
-  std::size_t count = 0;
-  for (auto const& [energy, value] : grid) count += std::isinf(value);
-  if (count != 0) report(std::to_string(count) + " infinite values left out");
 }
 
 // With one file and "rebin" the nodes come from the settings.

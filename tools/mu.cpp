@@ -12,7 +12,6 @@
 #include <vector>
 
 #include "photarium/config/PlotConfig.h"
-#include "photarium/foundation/constants.h"
 #include "photarium/foundation/elements.h"
 #include "photarium/foundation/number.h"
 #include "photarium/foundation/warning.h"
@@ -90,11 +89,6 @@ double valueAt(AttenuationCoeff<double> const& curve, double energy,
   if (!extrapolate && !curve.covers(energy))
     return std::numeric_limits<double>::quiet_NaN();
   return curve(energy, extrapolate);
-}
-
-// Path through the layer that the geometry describes [cm].
-double pathLength(Plot const& plot) {
-  return plot.Thickness / std::cos((90 - plot.AngleIn) * Constants::DegRad);
 }
 
 // The selected curves [1/cm] and, of several, their sum; or the efficiency.

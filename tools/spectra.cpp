@@ -1,0 +1,52 @@
+#include "tools/spectra.h"
+
+#include <cmath>
+#include <sstream>
+#include <stdexcept>
+
+#include "photarium/streams/PHMCStream.h"
+#include "tools/Input.h"
+#include "tools/report.h"
+
+namespace Tool {
+namespace {
+
+// A name in a comment line must not end the line.
+std::string oneLine(std::string text) {
+  for (char& c : text)
+    if (c == '\n' || c == '\r') c = ' ';
+  return text;
+}
+
+}  // namespace
+
+std::string readSpectrum(std::string const& file, Config<double>& settings,
+                         std::map<double const, double>& grid,
+                         LabelMap<double>& labels) {
+  Input input(file);
+  std::ostringstream nothing;
+  PHMCStream text(input.stream(), nothing, /*plain=*/false);
+  text.exceptions(std::ios::badbit);  // a broken packed file is no short one
+  try {
+    Grid::ReadGrid(text, grid, labels, settings, /*energiesOnly=*/false);
+  } catch (std::runtime_error const& error) {
+    throw std::runtime_error(error.what() + (" while reading " + input.name()));
+  }
+  input.finish();
+  if (grid.empty()) throw std::runtime_error("No spectrum in " + input.name());
+  return input.name();
+}
+
+std::string describeSpectrum(std::string const& label, std::string const& name,
+                             std::size_t nodes, bool isBinned) {
+  return "# " + label + ": " + oneLine(name) + " (" + std::to_string(nodes) +
+         " nodes, " + (isBinned ? "contents of bins" : "densities") + ")\n";
+}
+
+void reportInfinite(std::map<double const, double> const& grid) {
+  std::size_t count = 0;
+  for (auto const& [energy, value] : grid) count += std::isinf(value);
+  if (count != 0) report(std::to_string(count) + " infinite values left out");
+}
+
+}  // namespace Tool
