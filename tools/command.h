@@ -43,6 +43,7 @@ struct ClosedPipe : std::runtime_error {
 // A command throws where it has no result.
 void runDetector(Arguments const& arguments);
 void runFilter(Arguments const& arguments);
+void runImportEndf(Arguments const& arguments);
 void runMath(Arguments const& arguments);
 void runMaterial(Arguments const& arguments);
 void runMu(Arguments const& arguments);

@@ -27,6 +27,8 @@ constexpr Command Commands[] = {
     {"math", "FIRST SECOND", "arithmetic on two spectrum files", runMath},
     {"filter", "[FILE]", "a spectrum behind a filter", runFilter},
     {"detector", "[OPTIONS]", "the settings of a detector", runDetector},
+    {"import-endf", "FILE...", "tapes of the laboratories for all commands",
+     runImportEndf},
     {"pack", "[FILE]", "pack a text of numbers", runPack},
     {"unpack", "[FILE]", "unpack it again", runUnpack},
     {"help", "[COMMAND]", "this overview, or the help of a command", runHelp},
