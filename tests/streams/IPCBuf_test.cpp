@@ -1,5 +1,7 @@
 #include "photarium/streams/IPCBuf.h"
 
+#include <signal.h>
+
 #include <chrono>
 #include <stdexcept>
 
@@ -254,7 +256,44 @@ TEST(IPCBuf, WaitsForAPeerThatNeverReadsOnceAndNotForLong) {
   EXPECT_LT(seconds, 3.9);
 }
 
+TEST(IPCBuf, WaitsForAPeerThatReadsLate) {
+  Listener listener;
+  std::string const text(16 << 20, 'x');
+  std::string received;
+  OpenBuf buffer;
+  buffer.Connect(listener.address());
+  std::thread late([peer = listener.accept(), &received]() mutable {
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    received = peer.receive();
+  });
+  put(buffer, text);
+  EXPECT_EQ(buffer.sync(), 0);
+  buffer.Close();
+  late.join();
+  EXPECT_EQ(received.size(), text.size());
+}
+
 // Reading
+
+TEST(IPCBuf, ReadsOnThroughASignal) {
+  Listener listener;
+  IPCBuf buffer;
+  buffer.Connect(listener.address());
+  struct sigaction action {
+  }, before;
+  action.sa_handler = [](int) {};  // interrupts, as there is no SA_RESTART
+  sigaction(SIGUSR1, &action, &before);
+  std::thread answering(
+      [peer = listener.accept(), reader = pthread_self()]() mutable {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        pthread_kill(reader, SIGUSR1);
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        peer.send("answer");
+      });
+  EXPECT_EQ(buffer.sgetc(), 'a');
+  answering.join();
+  sigaction(SIGUSR1, &before, nullptr);
+}
 
 TEST(IPCBuf, ReadsTheEndUnconnected) {
   OpenBuf buffer;

@@ -49,7 +49,7 @@ TEST(PHMCBufferHostile, DeliversAnEndlessRunOfLinesPieceByPiece) {
   // 17^15 line feeds.
   Reader reader(stream(prefixes(15) + Bits::LineFeed + Bits::End));
   long const before = peakMemory();
-  for (int i = 0; i < 64; ++i)
+  for (int i = 0; i < 16; ++i)
     ASSERT_EQ(reader.read(1 << 18), std::string(1 << 18, '\n'));
   EXPECT_LT(peakMemory() - before, 64 * 1024);
 }
@@ -60,7 +60,7 @@ TEST(PHMCBufferHostile, DeliversAnEndlessRunOfTheLineAbovePieceByPiece) {
   long const before = peakMemory();
   std::string expected;
   for (int i = 0; i < 1 << 16; ++i) expected += "123\n";
-  for (int i = 0; i < 64; ++i) ASSERT_EQ(reader.read(1 << 18), expected);
+  for (int i = 0; i < 16; ++i) ASSERT_EQ(reader.read(1 << 18), expected);
   EXPECT_LT(peakMemory() - before, 64 * 1024);
 }
 
@@ -106,7 +106,7 @@ TEST(PHMCBufferHostile, DeliversLongLinesThatRepeat) {
 TEST(PHMCBufferHostile, PacksAndUnpacksALineOfManyFlushesInLinearTime) {
   std::mt19937 random(9);
   std::string line;
-  while (line.size() < 16u << 20)
+  while (line.size() < 8u << 20)
     line += std::to_string(random()) + (line.size() % 3 ? " " : "e");
   std::string const text = "0\n" + line + "\n" + line + "\n";
   EXPECT_EQ(unpacked(packed(text)).text, text);
