@@ -161,25 +161,37 @@ std::string plotCommand(PicturePage const& page) {
   return command + "\n";
 }
 
-std::string script(PicturePage const& wanted, bool isVector) {
+std::string panel(PicturePage const& wanted) {
   PicturePage const page = sorted(wanted);
   Span const span = abscissas(page);
   if (!(span.low < span.high))
     throw std::runtime_error("Nothing to draw: " + page.title);
   std::string text =
-      isVector ? "set terminal svg size 900,600 enhanced font 'sans-serif,14' "
-                 "background 'white'\n"
-               : "set terminal pngcairo size 1200,800 enhanced font "
-                 "'sans-serif,15' background 'white'\n";
-  text +=
-      "set encoding utf8\nset border 31 lw 1\nset tics scale 0.6\n"
-      "set grid lw 0.5 lc '#dddddd'\nset key top right noenhanced\n"
-      "set xrange [" +
-      number(span.low) + ":" + number(span.high) + "]\n";
+      "reset\nset encoding utf8\nset border 31 lw 1\nset tics scale 0.6\n"
+      "set grid lw 0.5 lc '#dddddd'\nset key ";
+  text += std::string(page.legend) + " noenhanced\nset xrange [" +
+          number(span.low) + ":" + number(span.high) + "]\n";
   text += axisCommands(page, span) + markCommands(page, span);
   for (std::size_t i = 0; i < page.curves.size(); ++i)
     text += dataBlock(page, i);
   return text + plotCommand(page);
+}
+
+std::string script(std::vector<PicturePage> const& pages, bool isVector) {
+  auto const height = [&](std::size_t one) {
+    return std::to_string(one * pages.size());
+  };
+  std::string text = isVector
+                         ? "set terminal svg size 900," + height(600) +
+                               " enhanced font 'sans-serif,14' "
+                               "background 'white'\n"
+                         : "set terminal pngcairo size 1200," + height(800) +
+                               " enhanced font 'sans-serif,15' "
+                               "background 'white'\n";
+  bool const several = pages.size() > 1;
+  if (several) text += "set multiplot layout " + height(1) + ",1\n";
+  for (auto const& page : pages) text += panel(page);
+  return several ? text + "unset multiplot\n" : text;
 }
 
 // A pipe whose ends close with the object.
@@ -250,7 +262,12 @@ Picture::Picture(std::string const& file) : file_(file) {
 }
 
 void Picture::draw(PicturePage const& page) const {
-  std::string const commands = script(page, isVector_);
+  draw(std::vector<PicturePage>{page});
+}
+
+void Picture::draw(std::vector<PicturePage> const& pages) const {
+  if (!isWanted()) return;
+  std::string const commands = script(pages, isVector_);
   SafeFile picture(file_);
   Pipe pipe;
   pid_t const child = startGnuplot(pipe.ends[0], picture.descriptor());

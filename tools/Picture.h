@@ -26,6 +26,7 @@ struct PicturePage {
   std::string yLabel;  // with its unit
   bool logX = true;
   bool logY = true;
+  char const* legend = "top right";  // its place, as gnuplot names it
   std::vector<PictureCurve> curves{};
   std::vector<PictureMark> marks{};
 };
@@ -50,6 +51,9 @@ class Picture {
   /// Draws `page`; belongs behind isWanted(). Throws std::runtime_error if
   /// gnuplot is missing or fails, or if the file cannot be written.
   void draw(PicturePage const& page) const;
+
+  /// The same for several pages, one below the other.
+  void draw(std::vector<PicturePage> const& pages) const;
 
  private:
   std::string file_;

@@ -41,8 +41,11 @@ struct ClosedPipe : std::runtime_error {
 
 // The commands, in the order of the overview; each in a source of its own.
 // A command throws where it has no result.
+void runAngle(Arguments const& arguments);
+void runBrems(Arguments const& arguments);
 void runDetector(Arguments const& arguments);
 void runFilter(Arguments const& arguments);
+void runFluo(Arguments const& arguments);
 void runImportEndf(Arguments const& arguments);
 void runMath(Arguments const& arguments);
 void runMaterial(Arguments const& arguments);

@@ -1,0 +1,150 @@
+// The commands brems, angle and fluo.
+
+#include <algorithm>
+#include <cmath>
+
+#include "tests/support/Listener.h"
+#include "tests/tools/Program.h"
+
+namespace {
+
+std::vector<std::string> brems(std::vector<std::string> const& more) {
+  std::vector<std::string> arguments{"brems", "--kvp",   "10", "--ebin",
+                                     "2",     "--steps", "11"};
+  arguments.insert(arguments.end(), more.begin(), more.end());
+  return arguments;
+}
+
+bool hasGnuplot(Program const& program) {
+  return program.shell("command -v gnuplot").status == 0;
+}
+
+std::string database(std::string const& folder, std::string const& file) {
+  return (testData() / folder / file).string();
+}
+
+}  // namespace
+
+TEST(BremsCommand, WritesTheTableOfTheBuiltinData) {
+  Outcome const outcome = Program().run(brems({"--material", "Cu"}));
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out.substr(0, outcome.out.find('\n')),
+            "#Tramo\t0\tCu\tBrems\t12\t5\t2\t2");
+  auto const rows = rowsOf(outcome.out);
+  ASSERT_EQ(rows.size(), 5U);
+  for (auto const& row : rows) {
+    EXPECT_EQ(row.size(), 12U);
+    EXPECT_GT(row.front(), 0);
+    EXPECT_NEAR(row.back(), 1, 1e-6);
+  }
+}
+
+TEST(BremsCommand, TellsWhatItCorrects) {
+  Outcome const outcome = Program().run(brems({}));
+  EXPECT_EQ(outcome.err,
+            "photarium: No tabulated bremsstrahlung cross section found, "
+            "switching to builtin one.\n"
+            "photarium: Unusually small number of steps configured.\n");
+}
+
+TEST(BremsCommand, KnowsTheOptionsOfBothClasses) {
+  Outcome const outcome = Program().run({"brems", "--help"});
+  EXPECT_EQ(outcome.status, 0);
+  for (char const* option : {"\n--kVp: ", "\n--Material: ", "\n--Pratt: ",
+                             "\n--Cubic: true\n", "\n--Steps: 1001\n"})
+    EXPECT_NE(outcome.out.find(option), std::string::npos) << option;
+  EXPECT_EQ(Program().run(brems({"--cubic", "--pratt"})).err.find("Unknown"),
+            std::string::npos);
+}
+
+TEST(BremsCommand, InterpolatesAsAsked) {
+  Program const program;
+  EXPECT_NE(program.run(brems({"--no-cubic"})).out, program.run(brems({})).out);
+}
+
+TEST(BremsCommand, RefusesSettings) {
+  Outcome const outcome = Program().run({"brems", "--ebin", "200"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_NE(outcome.err.find("Unreasonable value for maximum kVp.\n"),
+            std::string::npos);
+  EXPECT_EQ(outcome.out, "");
+}
+
+TEST(BremsCommand, RefusesHugeTables) {
+  Outcome const outcome =
+      Program().run({"brems", "--kvp", "1e9", "--ebin", "1"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_NE(outcome.err.find("Unreasonable number of energies.\n"),
+            std::string::npos);
+  EXPECT_EQ(outcome.out, "");
+}
+
+TEST(BremsCommand, ReportsProgressOverTheSocket) {
+  ProgressListener listener;
+  Outcome const outcome = Program().run(brems({"--ipc", listener.address()}));
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(listener.lines().back(), "Progress: 100");
+}
+
+TEST(BremsCommand, DoesNotNeedAProgressPeer) {
+  Outcome const outcome = Program().run(brems({"--ipc", "localhost:1"}));
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(rowsOf(outcome.out).size(), 5U);
+}
+
+TEST(BremsCommand, DrawsCrossSectionAndSamplingCurves) {
+  Program const program;
+  if (!hasGnuplot(program)) GTEST_SKIP() << "gnuplot is not installed";
+  Outcome const outcome =
+      program.run(brems({"--plot", "b.svg", "--output", "b.txt"}));
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  std::string const picture = program.text("b.svg");
+  EXPECT_NE(picture.find("total cross section [1/cm]"), std::string::npos);
+  EXPECT_NE(picture.find("10 keV"), std::string::npos);
+  EXPECT_EQ(program.text("b.txt"), program.run(brems({})).out);
+}
+
+TEST(AngleCommand, SaysWhichFileToImport) {
+  Outcome const outcome = Program().run({"angle", "--material", "Cu"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_NE(outcome.err.find("data/ENDF-VII0/029_Cu_000.endf"),
+            std::string::npos);
+  EXPECT_NE(outcome.err.find("photarium import-endf"), std::string::npos);
+}
+
+TEST(AngleCommand, LeavesNoFileWithoutData) {
+  Program const program;
+  EXPECT_EQ(program.run({"angle", "--output", "a.txt"}).status, 1);
+  EXPECT_FALSE(program.has("a.txt"));
+}
+
+TEST(AngleCommand, WritesTheTableOfTungsten) {
+  PHOTARIUM_NEEDS_DATA();
+  Program const program;
+  Outcome const outcome = program.run(
+      {"angle", "--kvp", "150", "--ebin", "10", "--datafile",
+       database("endf_mt526", "074_W_000.endf"), "--plot", "a.png"});
+  EXPECT_EQ(outcome.status, hasGnuplot(program) ? 0 : 1) << outcome.err;
+  EXPECT_EQ(rowsOf(outcome.out).size(), 15U);
+}
+
+TEST(FluoCommand, SaysWhichFileToImport) {
+  Outcome const outcome = Program().run({"fluo", "--material", "CuZn"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_NE(outcome.err.find("data/ENDF-VII0/ZZZ_Symbol_000.endf"),
+            std::string::npos);
+}
+
+TEST(FluoCommand, WritesTheTableOfCopperAndShortensItsWarning) {
+  PHOTARIUM_NEEDS_DATA();
+  Program const program;
+  Outcome const outcome = program.run(
+      {"fluo", "--kvp", "30", "--ebin", "0.1", "--material", "Cu", "--datafile",
+       database("endf", "029_Cu_000.endf"), "--plot", "f.svg"});
+  EXPECT_EQ(outcome.status, hasGnuplot(program) ? 0 : 1) << outcome.err;
+  EXPECT_EQ(rowsOf(outcome.out).size(), 10U + 300U);  // edges and energies
+  EXPECT_NE(outcome.err.find(" lines more\n"), std::string::npos);
+  EXPECT_LT(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 16);
+}
