@@ -2,6 +2,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -87,7 +88,8 @@ void BM_ReadFromChars(benchmark::State& state) {
   for (auto _ : state) {
     double value = 0;
     for (char const* p = text.data(); p != end;) {
-      p = std::from_chars(p + 1, end, value).ptr;
+      while (p != end && std::isspace(static_cast<unsigned char>(*p))) ++p;
+      p = std::from_chars(p, end, value).ptr;
       benchmark::DoNotOptimize(value);
     }
   }

@@ -27,12 +27,17 @@ bool isDigit(char c) {
   return digitOf(c) < 10;
 }
 
+char const* skipBlanks(char const* p, char const* end) {
+  while (p != end && isBlank(*p)) ++p;
+  return p;
+}
+
 // False if nothing is left behind the blanks.
 bool skipBlanks(std::string_view& text) {
-  std::size_t n = 0;
-  while (n < text.size() && isBlank(text[n])) ++n;
-  text.remove_prefix(n);
-  return !text.empty();
+  char const* const end = text.data() + text.size();
+  char const* const p = skipBlanks(text.data(), end);
+  text = {p, static_cast<std::size_t>(end - p)};
+  return p != end;
 }
 
 // From decimal digits to a double.
@@ -212,9 +217,16 @@ char const* skipSign(char const* p, char const* end, bool& negative) {
   return p != end && (*p == '-' || *p == '+') ? p + 1 : p;
 }
 
-char const* scanDigits(char const* p, char const* end, std::uint64_t& value) {
+// A place in a text, and the value of the digits ahead of it.
+struct Digits {
+  char const* end;
+  std::uint64_t value;
+};
+
+Digits scanDigits(Digits digits, char const* end) {
+  auto [p, value] = digits;
   for (; p != end && isDigit(*p); ++p) value = 10 * value + digitOf(*p);
-  return p;
+  return {p, value};
 }
 
 constexpr std::uint64_t eachByte(std::uint64_t byte) {
@@ -225,8 +237,11 @@ constexpr std::uint64_t eachByte(std::uint64_t byte) {
 // There must be eight characters ahead of the end.
 std::uint64_t eightCharacters(char const* p, char const* end) {
   std::uint64_t word = 0;
-  std::memcpy(&word, end - p < 8 ? end - 8 : p, 8);
-  if (end - p >= 8) return word;
+  if (end - p >= 8) {
+    std::memcpy(&word, p, 8);
+    return word;
+  }
+  std::memcpy(&word, end - 8, 8);
   return p == end ? 0 : word >> (8 * (8 - (end - p)));
 }
 
@@ -246,10 +261,10 @@ std::uint64_t eightDigits(std::uint64_t word) {
 }
 
 // As scanDigits(), eight at a time. `begin` is where the text does.
-char const* scanManyDigits(char const* begin, char const* p, char const* end,
-                           std::uint64_t& value) {
+Digits scanManyDigits(char const* begin, Digits digits, char const* end) {
   if (std::endian::native != std::endian::little || end - begin < 8)
-    return scanDigits(p, end, value);
+    return scanDigits(digits, end);
+  auto [p, value] = digits;
   for (;;) {
     std::uint64_t const word = eightCharacters(p, end) ^ eachByte('0');
     std::uint64_t const others = aboveNine(word);
@@ -257,32 +272,11 @@ char const* scanManyDigits(char const* begin, char const* p, char const* end,
       int const n = std::countr_zero(others) / 8;
       // What stands behind the digits goes, zeros come ahead of them.
       value = value * WholeTens[n] + eightDigits(word << 8 << (56 - 8 * n));
-      return p + n;
+      return {p + n, value};
     }
     value = value * 100000000 + eightDigits(word);
     p += 8;
   }
-}
-
-// Digits with a point among them.
-struct Mantissa {
-  std::uint64_t digits = 0;     // without the point, right up to MaxDigits
-  std::ptrdiff_t count = 0;     // of digits
-  std::ptrdiff_t fraction = 0;  // of digits behind the point
-  char const* end = nullptr;
-};
-
-// `begin` is where the text does, the digits do at `p`.
-Mantissa scanMantissa(char const* begin, char const* p, char const* end) {
-  Mantissa number;
-  number.end = scanDigits(p, end, number.digits);
-  number.count = number.end - p;
-  if (number.end == end || *number.end != '.') return number;
-  char const* const first = number.end + 1;
-  number.end = scanManyDigits(begin, first, end, number.digits);
-  number.fraction = number.end - first;
-  number.count += number.fraction;
-  return number;
 }
 
 // Takes the digits of an exponent with its sign, and stops growing far beyond
@@ -295,6 +289,37 @@ bool scanExponent(char const*& p, char const* end, std::int64_t& exponent) {
     if (exponent >> 58 == 0) exponent = 10 * exponent + digitOf(*p);
   if (negative) exponent = -exponent;
   return p != first;
+}
+
+// Stores a number whose magnitude is `found`; the largest finite one and false
+// if that is infinite.
+bool store(double& value, double found, bool negative) {
+  bool const fits = found <= std::numeric_limits<double>::max();
+  value = fits ? found : std::numeric_limits<double>::max();
+  if (negative) value = -value;
+  return fits;
+}
+
+// The rarer numbers are stored by functions of their own, which leaves the
+// registers to the others.
+
+// The digits and the exponent of a number are from `first` to `last`.
+[[gnu::noinline]] bool storeWide(double& value, std::uint64_t digits,
+                                 std::int64_t scale, char const* first,
+                                 char const* last, bool negative) {
+  double found = 0;
+  if (!wideValue(digits, scale, found))
+    found = longValue(first, last, scale > 0);
+  return store(value, found, negative);
+}
+
+[[gnu::noinline]] bool storeMany(double& value, char const* first,
+                                 char const* last, std::int64_t exponent,
+                                 bool negative) {
+  std::string_view const number(first, static_cast<std::size_t>(last - first));
+  std::string_view const mantissa =
+      number.substr(0, number.find_first_of("eE"));
+  return store(value, manyDigitsValue(mantissa, exponent), negative);
 }
 
 template <class N>
@@ -428,35 +453,38 @@ void append(std::string& out, double value, std::chars_format format,
 }  // namespace
 
 bool extractNumber(std::string_view& text, double& value) {
-  if (!skipBlanks(text)) return false;
-  char const* const begin = text.data();
-  char const* const end = begin + text.size();
+  char const* const end = text.data() + text.size();
+  char const* const begin = skipBlanks(text.data(), end);
+  if (begin == end) {
+    text.remove_prefix(text.size());
+    return false;
+  }
   bool negative = false;
   char const* const first = skipSign(begin, end, negative);
-  Mantissa const number = scanMantissa(begin, first, end);
-  char const* p = number.end;
+  Digits digits = scanDigits({first, 0}, end);
+  std::ptrdiff_t count = digits.end - first;
+  std::ptrdiff_t fraction = 0;
+  if (digits.end != end && *digits.end == '.') {
+    char const* const behind = digits.end + 1;
+    digits = scanManyDigits(text.data(), {behind, digits.value}, end);
+    fraction = digits.end - behind;
+    count += fraction;
+  }
+  char const* p = digits.end;
   std::int64_t exponent = 0;
-  bool isNumber = number.count > 0;
+  bool isNumber = count > 0;
   if (isNumber && p != end && (*p == 'e' || *p == 'E'))
     isNumber = scanExponent(++p, end, exponent);
-  text.remove_prefix(static_cast<std::size_t>(p - begin));
+  text = {p, static_cast<std::size_t>(end - p)};
   value = 0;
   if (!isNumber) return false;
-  std::int64_t const scale = exponent - number.fraction;
-  if (number.count <= MaxDigits && isExact(number.digits, scale)) {
-    double const found = exactValue(number.digits, scale);
-    value = negative ? -found : found;
-    return true;
-  }
-  double found = 0;
-  if (number.count > MaxDigits)
-    found = manyDigitsValue({first, number.end}, exponent);
-  else if (!wideValue(number.digits, scale, found))
-    found = longValue(first, p, exponent > 0);
-  bool const fits = found <= std::numeric_limits<double>::max();
-  value = fits ? found : std::numeric_limits<double>::max();
-  if (negative) value = -value;
-  return fits;
+  if (count > MaxDigits) return storeMany(value, first, p, exponent, negative);
+  std::int64_t const scale = exponent - fraction;
+  if (!isExact(digits.value, scale))
+    return storeWide(value, digits.value, scale, first, p, negative);
+  double const found = exactValue(digits.value, scale);
+  value = negative ? -found : found;
+  return true;
 }
 
 bool extractNumber(std::string_view& text, std::int64_t& value) {
