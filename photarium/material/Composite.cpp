@@ -200,7 +200,7 @@ class Material<T>::Composite {
 
   std::string canonicalName() const {
     std::string name;
-    for (auto const& [share, Z, element] : shares_) {
+    for (auto const& [share, z, element] : shares_) {
       name += element;
       appendGeneral(name, share);
     }

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <exception>
@@ -92,7 +93,7 @@ DBType Material<T>::normalise(std::string& text) {
     if (type == Unknown) type = recognise(line);
     // Lines move only behind one that has become shorter.
     if (line.data() != base + kept)
-      std::memmove(base + kept, line.data(), line.size());
+      std::copy(line.begin(), line.end(), base + kept);
     kept += line.size();
     base[kept++] = '\n';
   }

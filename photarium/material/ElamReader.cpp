@@ -33,13 +33,14 @@ class Words {
     return word;
   }
 
-  // The first word of a line if it begins with an "E" as the keywords that
-  // divide the text do, else no word.
+  // The next word that begins with an "E" and is the first of its line, from
+  // the start of a line: the keywords that divide the text do.
   std::string_view keyword() {
-    std::size_t const lead = rest_.find_first_not_of(" \t\n\v\f\r");
-    rest_.remove_prefix(std::min(lead, rest_.size()));
-    checkEnd();
-    return rest_.starts_with('E') ? word() : std::string_view();
+    std::size_t at = rest_.find('E');
+    while (at != std::string_view::npos && !isFirst(at))
+      at = rest_.find('E', at + 1);
+    rest_.remove_prefix(std::min(at, rest_.size()));
+    return word();
   }
 
   template <class T>
@@ -68,6 +69,11 @@ class Words {
   bool atEnd() const { return rest_.empty(); }
 
  private:
+  bool isFirst(std::size_t at) const {
+    std::size_t const end = rest_.substr(0, at).find_last_not_of(" \t\v\f\r");
+    return end == std::string_view::npos || rest_[end] == '\n';
+  }
+
   void fail(char const* cause) {
     rest_ = {};
     if (isStrict_) throw std::ios_base::failure(cause, std::io_errc::stream);
@@ -193,11 +199,11 @@ class Material<T>::ElamReader {
   }
 
   unsigned int wholeZ() const {
-    T const Z = material_.Z;
+    T const z = material_.Z;
     T const most = T(std::numeric_limits<unsigned int>::max());
-    if (!(Z >= 0 && Z <= most && Z == std::floor(Z)))
+    if (!(z >= 0 && z <= most && z == std::floor(z)))
       throw std::runtime_error("Edge data for non-integer Z not accepted.");
-    return static_cast<unsigned int>(Z);
+    return static_cast<unsigned int>(z);
   }
 
   void build() {
