@@ -37,10 +37,10 @@ PHOTARIUM_EXPORT std::vector<std::string> OptionKeys(
 /// A program builds the class that fits it, hands it the command line, checks
 /// and reads the fields:
 ///
-///     MaterialConfig<double> settings;
-///     settings.config(argc, argv, "filter");  // throws the help for --help
+///     GridConfig<double> settings;
+///     settings.config(argc, argv, "grid");    // throws the help for --help
 ///     settings.check();
-///     std::cout << settings.write("", true);  // "Material: W" and so on
+///     std::cout << settings.write("", true);  // "kVp: 100.0000" and so on
 ///
 /// Options are "--name value", "--name=value", "--name:value", "name=value" and
 /// the switches "--name" and "--no-name". Names are case insensitive. An option
@@ -66,15 +66,18 @@ class Config {
   /// larger one is a finding and changes nothing.
   static constexpr std::size_t MaxCount = 10000;
 
-  /// Largest config file [bytes].
+  /// Largest config file [bytes]. A larger one ends in std::runtime_error
+  /// "Config file too large: " and its name.
   static constexpr std::size_t MaxFileSize = std::size_t{1} << 28;
 
   /// Sections that include each other may ask for a list that grows
   /// exponentially with the file. Each section is applied once for free; more
-  /// repeated applications than this, over all sections, are refused.
+  /// repeated applications than this, over all sections, end in
+  /// std::runtime_error "Sections repeated too often!\n".
   static constexpr std::size_t MaxRepeats = 100000;
 
-  /// Largest total of names, keys and values in repeated applications [bytes].
+  /// Largest total of names, keys and values in repeated applications [bytes],
+  /// with the same end.
   static constexpr std::size_t MaxRepeatedText = std::size_t{1} << 28;
 
   Config();
@@ -113,13 +116,6 @@ class Config {
 
   /// The same for separate arguments.
   bool config(std::vector<std::string> const& arguments, std::string section);
-
-  /// What this class tells of each of its keys, in the order of its lines; with
-  /// `chain` ahead of them those of its bases.
-  virtual std::vector<Setting> settings(bool chain) const;
-
-  /// Every key that the object knows, its bases included, sorted.
-  std::vector<std::string> knownKeys() const;
 
   std::string Directory;              // of the config file and the data files
   std::string ConfigFile;             // name of the config file
@@ -165,6 +161,14 @@ class Config {
 
   /// Name of the section that is applied whenever a file is read: "General".
   static std::string const DefaultSection;
+
+ public:
+  /// What this class tells of each of its keys, in the order of its lines; with
+  /// `chain` ahead of them those of its bases.
+  virtual std::vector<Setting> settings(bool chain) const;
+
+  /// Every key that the object knows, its bases included, sorted.
+  std::vector<std::string> knownKeys() const;
 };
 
 extern template class PHOTARIUM_EXPORT Config<double>;
