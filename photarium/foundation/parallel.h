@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <exception>
+#include <vector>
 
 /// Calls `work(i)` for every i below `count`, spread over a team of threads.
 ///
@@ -12,19 +13,15 @@
 ///     forEachIndex(n, [&](std::size_t i) { squares[i] = double(i) * i; });
 template <class Work>
 void forEachIndex(std::size_t count, Work const& work) {
-  std::exception_ptr failure;
-  std::size_t failed = count;
+  std::vector<std::exception_ptr> failures(count);
 #pragma omp parallel for schedule(static)
   for (std::size_t i = 0; i < count; ++i) {
     try {
       work(i);
     } catch (...) {
-#pragma omp critical(photarium_forEachIndex)
-      if (i < failed) {
-        failed = i;
-        failure = std::current_exception();
-      }
+      failures[i] = std::current_exception();
     }
   }
-  if (failure) std::rethrow_exception(failure);
+  for (std::exception_ptr const& failure : failures)
+    if (failure) std::rethrow_exception(failure);
 }
