@@ -28,7 +28,7 @@ constexpr Row<DetectorConfig, T> Rows[] = {
      Format::Fixed, 1000},
     {"ENC", &DetectorConfig<T>::ENC, "equivalent noise charge", "e-"},
     {"Count", &DetectorConfig<T>::Count,
-     "number of elements; negative: inverse", "1"},
+     "number of elements, at most 10000; negative: inverse", "1"},
     {"Thickness", &DetectorConfig<T>::Thickness, "thickness of each element",
      "cm"},
     {"lambdaE", &DetectorConfig<T>::lambdaE,

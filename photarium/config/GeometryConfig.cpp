@@ -26,7 +26,8 @@ constexpr Row<GeometryConfig, T> Rows[] = {
      "total thickness, or a list of layers", "cm", Format::General},
     {"Transmission", &GeometryConfig<T>::Transmission,
      "transmission geometry; angles not given become 90"},
-    {"count", Settings::NoField, "number of layers", "", Format::NoLine},
+    {"count", Settings::NoField, "number of layers, at most 10000", "",
+     Format::NoLine},
 };
 
 template <class T>
