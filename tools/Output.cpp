@@ -96,9 +96,9 @@ SafeFile::SafeFile(std::string const& target)
 // A file without a name goes with the process, however that ends. Where the
 // disk knows no such files, a name of its own must do.
 void SafeFile::openBeside() {
-  std::string folder = std::filesystem::path(target_).parent_path().string();
-  if (folder.empty()) folder = ".";
-  descriptor_ = ::open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+  auto const parent = std::filesystem::path(target_).parent_path();
+  descriptor_ = ::open(parent.empty() ? "." : parent.c_str(),
+                       O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
   if (descriptor_ >= 0) return;
   path_ = target_ + NameEnd;
   descriptor_ = mkostemp(path_.data(), O_CLOEXEC);

@@ -106,3 +106,11 @@ TEST(Readme, ShowsTheExampleThatIsBuiltAndRun) {
       fileText(sourceDir() / "examples/copper.expected");
   EXPECT_EQ(blockOf(page, "output"), expected);
 }
+
+TEST(LibraryPage, ShowsTheToolThatIsBuiltAndRun) {
+  std::string const page = fileText(sourceDir() / "docs/library.md");
+  std::string const tool = blockOf(page, "cpp");
+  EXPECT_FALSE(tool.empty());
+  EXPECT_NE(fileText(sourceDir() / "examples/tool.cpp").find(tool),
+            std::string::npos);
+}

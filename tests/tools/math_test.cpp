@@ -147,3 +147,23 @@ TEST_F(MathCommand, RefusesABrokenPackedFile) {
   EXPECT_EQ(outcome.err,
             "photarium: Not enough bits in input! while reading cut.phc\n");
 }
+
+TEST_F(MathCommand, ReadsTheFirstPlotOfAFileWithEverythingInIt) {
+  program.write("mixed.txt",
+                "; comment\r\n\n-1 5\n1 10 Cu K-L3\n2 20\n1 99\n"
+                "[Other]\n3 30\n#EOF\n1 7\n");
+  Outcome const outcome =
+      math({"mixed.txt", "b.txt", "--operation", "subtract"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_NE(outcome.out.find("\n1.000000e+00\t8.000000e+00 Cu K-L3\n"
+                             "2.000000e+00\t1.700000e+01\n"),
+            std::string::npos)
+      << outcome.out;
+}
+
+TEST_F(MathCommand, NamesAnEmptySpectrum) {
+  program.write("empty.txt", "# nothing\n");
+  Outcome const outcome = math({"a.txt", "empty.txt", "--operation", "add"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "photarium: No spectrum in empty.txt\n");
+}
