@@ -1,5 +1,6 @@
 // A few bytes of input that stand for a great deal of text.
 
+#include <gtest/gtest.h>
 #include <sys/resource.h>
 
 #include "tests/streams/packed_support.h"

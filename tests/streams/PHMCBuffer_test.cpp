@@ -1,5 +1,7 @@
 #include "photarium/streams/PHMCBuffer.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 
 #include "tests/streams/packed_support.h"
