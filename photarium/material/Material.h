@@ -155,10 +155,12 @@ class Material {
   /// masses as the format has no such data.
   ///
   /// Sets all bits of the stream's exception mask and takes the whole rest of
-  /// the stream. Throws std::ios_base::failure if the text ends too early or
-  /// has no number where one must stand, std::runtime_error for an unknown
-  /// keyword or an element that is not there, a warning for an unknown level or
-  /// a section without points. What was set by then stays set.
+  /// the stream. Throws std::ios_base::failure "Unexpected end of text" or
+  /// "Number expected" with what the standard library adds; std::runtime_error
+  /// "Element ", `Name`, " not found", "Unexpected keyword ", the word,
+  /// " parsing ElamDB", or "Edge data for non-integer Z not accepted."; a
+  /// warning for an unknown level or a section without points. What was set by
+  /// then stays set.
   void readElam(std::istream& in);
 
   /// Reads every element of an ElamDB text into `elements`, by symbol. The end

@@ -19,7 +19,6 @@ namespace {
 
 constexpr double H = 1.008;
 constexpr double O = 15.999;
-constexpr double Cu = 63.546;
 
 class Composite : public testing::Test {
  protected:

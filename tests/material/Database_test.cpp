@@ -158,6 +158,16 @@ TEST(Recogniser, RefusesADamagedPackedText) {
             "Not enough bits in input!");
 }
 
+TEST(Recogniser, RefusesAPackedTextThatIsCutAtAnyByte) {
+  std::string const whole = packed(database({hydrogen()}));
+  for (std::size_t length = 4; length + 1 < whole.size(); ++length) {
+    EXPECT_EQ(thrown<std::runtime_error>(
+                  [&] { normalised(whole.substr(0, length)); }),
+              "Not enough bits in input!")
+        << length;
+  }
+}
+
 TEST(Recogniser, RefusesAShortTextThatUnpacksWithoutEnd) {
   // Repeat prefixes of factor 17, eight of them, ahead of a line feed: 7e9
   // line feeds in twelve bytes.

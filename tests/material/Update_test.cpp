@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <locale>
 #include <stdexcept>
 #include <string>
 
@@ -241,6 +242,23 @@ TEST_F(Update, ClearsTheStoppingConstantsOfTheLastMaterial) {
   material.update(config);
   ASSERT_EQ(material.EnergyLoss.size(), 1U);
   EXPECT_EQ(material.EnergyLoss.begin()->first.J, 8 * 0.0136);
+}
+
+TEST_F(Update, DoesNotDependOnTheLocaleOfTheProcess) {
+  struct Comma : std::numpunct<char> {
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+  };
+  std::locale const before =
+      std::locale::global(std::locale(std::locale::classic(), new Comma));
+  config.Material = "H 1 O 3";
+  std::string const found = findings();
+  std::locale::global(before);
+  EXPECT_EQ(found,
+            "Empty spline (elastic electron scattering of O0.75H0.25)\n");
+  EXPECT_NEAR(material.A, 0.25 * 1.008 + 0.75 * 15.999, 1e-12);
+  EXPECT_EQ(material.EnergyLoss.begin()->first.J, 19.2 / 1000);
 }
 
 TEST_F(Update, NamesTheMaterialAndThePieceThatCannotBeLoaded) {
