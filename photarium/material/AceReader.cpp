@@ -267,7 +267,8 @@ class AceReader {
 
 template <class T>
 void Material<T>::readMCNP(std::istream& in) {
-  parseMCNP(remainingText(in));
+  std::string storage;
+  parseMCNP(remainingView(in, storage));
 }
 
 template <class T>

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
+#include <vector>
 
 #include "photarium/foundation/constants.h"
 #include "photarium/material/EndfReader.h"
@@ -143,38 +144,46 @@ void EndfReader<T>::storeAngles() {
   T before = -1;
   T densityBefore = 0;
   T sum = 0;
-  std::map<T const, T> row;
+  std::vector<T> cosines;
+  std::vector<T> values;
   for (auto const& [cosine, density] : points_) {
     if (cosine < before || cosine > 1 || density <= 0)
       throw std::runtime_error("Impossible angle distribution value: " +
                                std::string(line_));
     sum += (density + densityBefore) * T(0.5) * (cosine - before);
-    row.insert_or_assign(cosine, std::min(sum, T(1)));
-    cosines_.insert(cosine);
+    if (cosines.empty() || cosines.back() != cosine) {
+      cosines.push_back(cosine);
+      values.push_back(0);
+    }
+    values.back() = std::min(sum, T(1));
     before = cosine;
     densityBefore = density;
   }
-  row.emplace(T(1), T(1));
-  angles_.insert_or_assign(std::log10(energy_), LSpline<T, T>(row));
+  cosines_.insert(cosines_.end(), cosines.begin(), cosines.end());
+  if (cosines.back() != 1) {
+    cosines.push_back(1);
+    values.push_back(1);
+  }
+  angles_.insert_or_assign(std::log10(energy_), LSpline<T, T>(cosines, values));
 }
 
 // The rows on the cosines of all of them.
 template <class T>
-BiLSpline<T, T> EndfReader<T>::angleTable() const {
+BiLSpline<T, T> EndfReader<T>::angleTable() {
   if (angles_.empty()) return {};
+  std::stable_sort(cosines_.begin(), cosines_.end());
+  cosines_.erase(std::unique(cosines_.begin(), cosines_.end()), cosines_.end());
   if (cosines_.size() > LargestAngleTable / angles_.size())
     throw std::runtime_error("Angular distribution is too large");
-  Rows rows;
-  for (auto const& [energy, angles] : angles_) {
-    std::map<T const, T> row;
-    for (T const cosine : cosines_)
-      row.emplace_hint(row.end(), cosine,
-                       angles.template at<true, true>(cosine));
-    rows.emplace(energy, LSpline<T, T>(row));
+  std::vector<T> values(cosines_.size());
+  for (auto& [energy, row] : angles_) {
+    for (std::size_t i = 0; i < values.size(); ++i)
+      values[i] = row.template at<true, true>(cosines_[i]);
+    row = LSpline<T, T>(cosines_, values);
   }
-  return BiLSpline<T, T>(rows);
+  return BiLSpline<T, T>(angles_);
 }
 
 template void EndfReader<double>::readSpectra();
 template void EndfReader<double>::readAngles();
-template BiLSpline<double, double> EndfReader<double>::angleTable() const;
+template BiLSpline<double, double> EndfReader<double>::angleTable();

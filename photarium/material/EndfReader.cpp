@@ -1,6 +1,7 @@
 #include "photarium/material/EndfReader.h"
 
 #include <algorithm>
+#include <cstring>
 #include <istream>
 #include <sstream>
 #include <stdexcept>
@@ -76,7 +77,10 @@ void EndfReader<T>::readControl() {
   std::string_view const control = line_.substr(EndfControlColumn);
   std::string_view const text = control.substr(0, sectionWidth);
   ns_ = endfControl(from(control, sectionWidth).substr(0, 5));
-  if (text == sectionText_) return;
+  bool const isSame =
+      text.size() == sectionWidth && sectionText_.size() == sectionWidth &&
+      std::memcmp(text.data(), sectionText_.data(), sectionWidth) == 0;
+  if (isSame) return;
   sectionText_ = text;
   mat_ = text.substr(0, 4);
   z_ = endfControl(text.substr(0, 2));
@@ -439,7 +443,8 @@ void EndfReader<T>::finish() {
 template <class T>
 void Material<T>::readENDF(std::istream& in) {
   in.clear();
-  parseENDF(remainingText(in));
+  std::string storage;
+  parseENDF(remainingView(in, storage));
 }
 
 template <class T>

@@ -6,7 +6,6 @@
 #include <iterator>
 #include <limits>
 #include <map>
-#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -121,8 +120,7 @@ class EndfReader {
   void sortPoints();
 
   void finish();
-  std::vector<Curve> curves();
-  BiLSpline<T, T> angleTable() const;
+  BiLSpline<T, T> angleTable();
 
   Material<T>& material_;
 
@@ -177,7 +175,7 @@ class EndfReader {
   std::size_t bremsSize_ = 0;  // stretches that it was built from
   Rows spectra_;
   Rows angles_;
-  std::set<T> cosines_;
+  std::vector<T> cosines_;  // of all rows
 };
 
 /// Cuts `points` into one stretch for each of `ranges`, pairs of the number of

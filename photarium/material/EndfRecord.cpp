@@ -75,17 +75,9 @@ bool plainNumber(char const* at, double& value) {
   if (count == 0) return false;
   if (at < end && *at != ' ') at = exponent(at, end, power);
   if (!at || skipSpaces(at, end) != end) return false;
-  constexpr std::array<double, 23> powers = {
-      1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-      1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-  if (power < -22 || power > 22) return false;
-  value = static_cast<double>(number);
-  if (power < 0)
-    value /= powers[static_cast<std::size_t>(-power)];
-  else
-    value *= powers[static_cast<std::size_t>(power)];
+  value = decimalValue(number, power);
   if (negative) value = -value;
-  return true;
+  return std::isfinite(value);
 }
 
 #if defined(__SSE2__)
@@ -129,8 +121,8 @@ bool nineDigits(char const* field, double& value) {
   unsigned int const both = static_cast<unsigned int>(_mm_movemask_epi8(
                                 _mm_or_si128(areDigits, arePoints))) &
                             0x7ff;
-  if (both != 0x7fe || field[0] != ' ' || !std::has_single_bit(points))
-    return false;
+  bool const hasOnePoint = points != 0 && (points & (points - 1)) == 0;
+  if (both != 0x7fe || field[0] != ' ' || !hasOnePoint) return false;
   auto const behind = 10U - static_cast<unsigned int>(std::countr_zero(points));
   Word last;
   std::memcpy(&last, field + 3, sizeof(last));

@@ -52,6 +52,20 @@ std::string remainingText(std::istream& in) {
   return text;
 }
 
+std::string_view remainingView(std::istream& in, std::string& storage) {
+  auto* const buffer = dynamic_cast<std::stringbuf*>(in.rdbuf());
+  std::streamoff const at =
+      buffer && in.good() ? std::streamoff(in.tellg()) : -1;
+  if (at < 0) {
+    storage = remainingText(in);
+    return storage;
+  }
+  std::string_view const rest =
+      std::string_view(buffer->view()).substr(static_cast<std::size_t>(at));
+  in.seekg(0, std::ios::end);
+  return rest;
+}
+
 bool readFile(std::string const& path, std::string& text) {
   text.clear();
   std::error_code ignored;

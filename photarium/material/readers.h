@@ -2,6 +2,7 @@
 
 #include <istream>
 #include <string>
+#include <string_view>
 
 #include "photarium/foundation/constants.h"
 #include "photarium/material/AttenuationCoeff.h"
@@ -25,6 +26,10 @@ typename AttenuationCoeff<T>::Stretch zeroUpTo(T threshold) {
 /// The whole rest of a stream, read past its formatting in large blocks. Leaves
 /// the state of the stream alone; what its buffer throws goes on.
 std::string remainingText(std::istream& in);
+
+/// The same without a copy where the stream reads from a string; otherwise the
+/// text goes into `storage`. The view lives as long as both.
+std::string_view remainingView(std::istream& in, std::string& storage);
 
 /// Reads a whole file. False if it cannot be opened, as a directory cannot;
 /// throws std::runtime_error "Could not read file" if reading breaks off.
