@@ -1,0 +1,29 @@
+// The import of tapes on any text. What it writes is a tape again, and stays as
+// it is when it is imported once more.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+
+#include "tools/endf_tape.h"
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data,
+                                      std::size_t size) {
+  Tool::EndfTapes tapes;
+  try {
+    tapes.add("tape", std::string(reinterpret_cast<char const*>(data), size));
+  } catch (std::runtime_error const&) {
+    return 0;
+  }
+  for (auto const& [z, element] : tapes.elements()) {
+    std::string const text = Tool::endfText(element, 0);
+    Tool::endfText(element, 1e-3);
+    Tool::endfReport(element);
+    Tool::EndfTapes again;
+    again.add("text", text);
+    if (Tool::endfText(again.elements().at(z), 0) != text) std::abort();
+  }
+  return 0;
+}
