@@ -268,7 +268,7 @@ TEST(EndfReader, EqualsThePlainReaderOnAnyByteChanged) {
   std::string const text = small();
   std::mt19937 random(4);
   std::string const likely = "0123456789 +-.\nE";
-  for (int i = 0; i < 1500; ++i) {
+  for (int i = 0; i < 1000; ++i) {
     std::string changed = text;
     int const count = 1 + static_cast<int>(random() % 3);
     for (int k = 0; k < count; ++k)
@@ -280,7 +280,7 @@ TEST(EndfReader, EqualsThePlainReaderOnAnyByteChanged) {
 TEST(EndfReader, EqualsThePlainReaderOnControlColumnsChanged) {
   std::string const text = small();
   std::mt19937 random(5);
-  for (int i = 0; i < 1500; ++i) {
+  for (int i = 0; i < 1000; ++i) {
     std::string changed = text;
     std::size_t const line = random() % (text.size() / 81);
     std::size_t const column = 66 + random() % 14;
@@ -293,7 +293,7 @@ TEST(EndfReader, EqualsThePlainReaderOnLinesLostAndMoved) {
   std::string const text = small();
   std::size_t const lines = text.size() / 81;
   std::mt19937 random(6);
-  for (int i = 0; i < 800; ++i) {
+  for (int i = 0; i < 500; ++i) {
     std::string changed = text;
     std::size_t const from = random() % lines;
     std::size_t const count = 1 + random() % 6;

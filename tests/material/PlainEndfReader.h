@@ -53,7 +53,7 @@ class PlainEndfReader {
     field = field.substr(first, field.find_last_not_of(" \t\r\n") - first + 1);
     std::string text = field;
     std::size_t const sign = text.find_first_of("+-", 1);
-    if (text.size() > 1 && sign != std::string::npos) text.insert(sign, "e");
+    if (text.size() > 1 && sign != std::string::npos) text.insert(sign, 1, 'e');
     std::istringstream stream(text);
     N value = 0;
     if (!(stream >> value)) throw std::runtime_error("Error parsing " + field);
@@ -226,14 +226,15 @@ class PlainEndfReader {
     if (m_.Edges.empty()) return;
     int const subj = whole<int>(f_[1]);
     int const subk = whole<int>(f_[2]);
-    std::string label = text(subi_) + "-" + text(subj);
+    std::string label = text(subi_);
+    label.append("-").append(text(subj));
     SubshellID const from(fileZ_, subshell(subj));
     auto& lines = m_.Edges.back().Lines;
     if (subk == 0) {
       lines.push_back(Line<double>(f_[3] / 1000, f_[4], label, from, true));
       yield_ += f_[4];
     } else {
-      label += "-" + text(subk);
+      label.append("-").append(text(subk));
       lines.push_back(Line<double>(f_[3] / 1000, f_[4], label, from,
                                    SubshellID(fileZ_, subshell(subk)), false));
     }
