@@ -131,6 +131,8 @@ Status guarded(Arguments const& arguments) {
 }  // namespace Tool
 
 int main(int argc, char** argv) {
-  std::signal(SIGPIPE, SIG_IGN);  // a closed pipe shows as a failed write
+  // A closed pipe and a file too large show as failed writes.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   return Tool::guarded({argv + std::min(argc, 1), argv + argc});
 }

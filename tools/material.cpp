@@ -19,6 +19,7 @@
 #include "tools/Output.h"
 #include "tools/command.h"
 #include "tools/curves.h"
+#include "tools/json_text.h"
 #include "tools/loading.h"
 #include "tools/names.h"
 
@@ -153,7 +154,7 @@ std::string toJson(MaterialConfig<double> const& settings,
                      {"format", printed(settings.DataType)},
                      {"corrections", settings.CorrFile},
                      {"program", printed(VersionInfo)}};
-  return json.dump(1) + "\n";
+  return jsonText(json);
 }
 
 // ------------------------------------------------------------------------ text

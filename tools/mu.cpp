@@ -23,6 +23,7 @@
 #include "tools/Picture.h"
 #include "tools/command.h"
 #include "tools/curves.h"
+#include "tools/json_text.h"
 #include "tools/loading.h"
 #include "tools/names.h"
 #include "tools/report.h"
@@ -132,13 +133,13 @@ std::string toJson(Plot const& plot, Material<double> const& material,
           x);
       curve.push_back(y);
     }
-    return json.dump(1) + "\n";
+    return jsonText(json);
   }
   json["unit"] = plot.Efficiency && !plot.ACRP ? "1" : "1/cm";
   json["energy_keV"] = energies;
   for (auto const& [name, values] : sample(plot, material, energies))
     json["curves"][name] = values;
-  return json.dump(1) + "\n";
+  return jsonText(json);
 }
 
 // Enough energies for a smooth curve, and both sides of every edge, between the

@@ -87,6 +87,16 @@ TEST(MaterialJson, NamesItsSources) {
   EXPECT_TRUE(std::string(sources["database"][0]).ends_with("/ElamDB12.txt"));
 }
 
+TEST(MaterialJson, TakesPathsThatAreNoText) {
+  Program const program;
+  std::filesystem::copy(sourceDir() / "data/ElamDB12.txt",
+                        program.folder() / "\xff.txt");
+  Outcome const outcome = program.run(
+      {"material", "--material", "Cu", "--datafile", "\xff.txt", "--json"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_TRUE(nlohmann::json::accept(outcome.out));
+}
+
 TEST(MaterialJson, TellsWhichCurvesHoldUsableNodes) {
   auto const curves = described("Cu")["curves"];
   EXPECT_GT(curves["photoabsorption"]["usable"], 10);

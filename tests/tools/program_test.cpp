@@ -148,6 +148,15 @@ TEST(ProgramOutput, OnAFullDiskIsAFailureWithAMessage) {
             "device\n");
 }
 
+TEST(ProgramOutput, ThatEndsHalfWayIsAFailureAndNoFile) {
+  Outcome const outcome = Program().shell(
+      "ulimit -f 8; photarium mu --material Cu --ebin 0.01 --output cu.txt; "
+      "echo $?; ls");
+  EXPECT_EQ(outcome.out, "1\n");
+  EXPECT_NE(outcome.err.find("Could not write cu.txt: File too large\n"),
+            std::string::npos);
+}
+
 TEST(ProgramOutput, InAFolderThatIsNotThereIsAFailureWithAMessage) {
   Outcome const outcome = Program().run({"mu", "--output", "none/cu.txt"});
   EXPECT_EQ(outcome.status, 1);
