@@ -3,7 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
+#include "photarium/config/DistributionConfig.h"
+#include "photarium/grid/AngleDist.h"
+#include "photarium/grid/FluoTable.h"
 #include "tests/support/Listener.h"
+#include "tests/support/table_materials.h"
 #include "tests/tools/Program.h"
 
 namespace {
@@ -147,4 +151,71 @@ TEST(FluoCommand, WritesTheTableOfCopperAndShortensItsWarning) {
   EXPECT_EQ(rowsOf(outcome.out).size(), 10U + 300U);  // edges and energies
   EXPECT_NE(outcome.err.find(" lines more\n"), std::string::npos);
   EXPECT_LT(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 16);
+}
+
+TEST(TablesPage, ShowsTheReaderThatStandsWithTheExamples) {
+  std::string const page = fileText(sourceDir() / "docs/tables.md");
+  std::string const reader = fileText(sourceDir() / "examples/read_table.py");
+  EXPECT_NE(page.find("```python\n" + reader + "```\n"), std::string::npos);
+}
+
+namespace {
+
+// What the reader prints of a file in the folder of `program`.
+std::string readerOutput(Program const& program, std::string const& file) {
+  Outcome const outcome = program.shell(
+      "python3 -B '" + (sourceDir() / "examples/read_table.py").string() +
+      "' " + file);
+  return outcome.out + outcome.err;
+}
+
+}  // namespace
+
+TEST(TablesPage, HasAReaderOfBremsTables) {
+  Program const program;
+  program.run(brems({"--output", "table"}));
+  EXPECT_EQ(readerOutput(program, "table"),
+            "Brems of W, 19.3 g/cm^3\n5 rows of 11 numbers from 2 to 10 keV\n");
+}
+
+TEST(TablesPage, HasAReaderOfAttenuationTables) {
+  Program const program;
+  program.run({"mu", "--material", "CuZn", "--acrp", "--kvp", "100", "--ebin",
+               "1", "--output", "table"});
+  EXPECT_EQ(readerOutput(program, "table"),
+            "ACRP of CuZn, 8.03402 g/cm^3\n"
+            "100 rows of 4 numbers from 1 to 100 keV\n");
+}
+
+TEST(TablesPage, HasAReaderOfAngleTables) {
+  DistributionConfig<double> dist;
+  dist.kVp = 20;
+  dist.EBin = 0.5;
+  std::ostringstream table;
+  AngleDist(table, dist, angleMaterial(50));
+  Program const program;
+  program.write("table", table.str());
+  EXPECT_EQ(readerOutput(program, "table"),
+            "Angle of W, 19.3 g/cm^3\n"
+            "40 rows of 1001 numbers from 0.5 to 20 keV\n");
+}
+
+TEST(TablesPage, HasAReaderOfFluoTables) {
+  DistributionConfig<double> dist;
+  dist.kVp = 20;
+  dist.EBin = 0.5;
+  Material<double> material = photonMaterial();
+  SubshellID const level(29, K1);
+  material.Edges = {Edge<double>(level, 8.979, 0.44, 7.2)};
+  material.Edges[0].Lines = {Line<double>(8.05, 0.3, "K-L3", true)};
+  material.PhotoIonization[level] =
+      AttenuationCoeff<double>(material.Absorption, 0.8);
+  material.ElectronIonization[level] = material.Incoherent;
+  std::ostringstream table;
+  FluoTable<double>(table, dist, material);
+  Program const program;
+  program.write("table", table.str());
+  EXPECT_EQ(readerOutput(program, "table"),
+            "Fluo of Cu, 8.96 g/cm^3\n"
+            "40 rows of 2 numbers from 0.5 to 20 keV\n");
 }
