@@ -104,13 +104,18 @@ std::string cell(std::string const& text) {
 }
 
 std::string code(std::string const& text) {
-  return text.empty() ? "" : "`" + cell(text) + "`";
+  if (text.empty()) return "";
+  std::string out(1, '`');
+  out += cell(text);
+  return out += '`';
 }
 
 // The key as its line has it, in parentheses where it has none.
 std::string keyCell(Setting const& setting) {
-  return setting.label.empty() ? "(" + code(setting.key) + ")"
-                               : code(setting.label);
+  if (!setting.label.empty()) return code(setting.label);
+  std::string out(1, '(');
+  out += code(setting.key);
+  return out += ')';
 }
 
 std::string row(Setting const& setting) {
