@@ -15,6 +15,7 @@ natural logarithms of both.
 """
 import bisect
 import collections
+import csv
 import math
 import os
 import sqlite3
@@ -24,7 +25,7 @@ EADL = "/usr/share/pymca/EPDL97/EADL.DAT"
 XRAYDB = "/usr/lib/python3/dist-packages/xraydb/xraydb.sqlite"
 PACKAGES = "pymca-data python3-xraydb"
 ELEMENTS = os.path.join(os.path.dirname(os.path.abspath(__file__)),
-                        "elements.tsv")
+                        "tables", "elements.csv")
 
 # Subshell of an ENDL designator, ENDL manual UCRL-TR-212956, table of electron
 # subshells. Designators of whole shells (2, 4, 7, ...) do not occur.
@@ -186,13 +187,10 @@ class XrayDb:
 
 def elements(path=ELEMENTS):
     """{Z: Element}; density and weight stay text, as they are written on."""
-    table = {}
-    with open(path, encoding="ascii") as file:
-        for line in file:
-            if line.strip() and not line.startswith("#"):
-                Z, symbol, density, weight = line.split()
-                table[int(Z)] = Element(int(Z), symbol, density, weight)
-    return table
+    with open(path, encoding="ascii", newline="") as file:
+        rows = list(csv.reader(file))[1:]
+    return {int(Z): Element(int(Z), symbol, density, weight)
+            for Z, symbol, density, weight in rows}
 
 
 def missing():

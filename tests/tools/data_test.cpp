@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
-#include <sstream>
 
 #include "photarium/config/MaterialConfig.h"
 #include "photarium/foundation/elements.h"
@@ -41,21 +40,6 @@ double lineOf(Edge<double> const& edge, std::string const& label) {
 }
 
 }  // namespace
-
-TEST(ElementFile, IsTheTableOfTheLibrary) {
-  std::istringstream lines(fileText(sourceDir() / "data/elements.tsv"));
-  std::string head;
-  std::getline(lines, head);
-  unsigned int Z = 0, count = 0;
-  std::string symbol;
-  for (double density, weight; lines >> Z >> symbol >> density >> weight;) {
-    ASSERT_EQ(Z, ++count);
-    EXPECT_EQ(symbol, Elements[Z]);
-    EXPECT_EQ(density, Densities[Z]) << symbol;
-    EXPECT_EQ(weight, MassNumbers[Z]) << symbol;
-  }
-  EXPECT_EQ(count, ElementsCount - 1);
-}
 
 TEST(DefaultDatabase, LoadsEveryElementWithoutAFinding) {
   for (unsigned int Z = 1; Z <= LastElement; ++Z) {
