@@ -104,20 +104,25 @@ class AceReader {
     if (!findTable())
       throw std::runtime_error("Element " + material_.Name + " not found");
     Numbers numbers(rest_);
-    std::vector<T> const energies = readEnergies(numbers);
-    Points incoherent = readLogs(numbers, energies);
-    Points coherent = readLogs(numbers, energies);
-    Points absorption = readLogs(numbers, energies);
+    T const factor = T(Constants::Na) / material_.A * T(1e-24);
+    std::vector<T> energies = readEnergies(numbers);
+    bool const isEmpty = energies.empty();
+    // One after the other, as points and curve together are large.
+    Curve incoherent = logCurve(numbers, energies, factor);
+    Curve coherent = logCurve(numbers, energies, factor);
+    Curve absorption = logCurve(numbers, energies, factor);
     Points pair = readPair(numbers, energies);
+    energies = {};
     Points scatterFunction = readOnGrid(numbers, ScatterGrid);
     for (std::size_t i = 0; i < IntegralCount; ++i) numbers.next();
     Points formFactor = readOnGrid(numbers, FormFactorGrid);
     if (sizes_.fluorescence > 0) readFluorescence(numbers);
 
-    T const factor = T(Constants::Na) / material_.A * T(1e-24);
-    material_.Absorption = logCurve(absorption, factor);
-    material_.Coherent = logCurve(coherent, factor);
-    material_.Incoherent = logCurve(incoherent, factor);
+    if (!isEmpty) {
+      material_.Absorption = std::move(absorption);
+      material_.Coherent = std::move(coherent);
+      material_.Incoherent = std::move(incoherent);
+    }
     material_.Pair = pairCurve(pair, factor);
     material_.FormFactor = gridCurve(formFactor);
     material_.ScatterFunction = gridCurve(scatterFunction);
@@ -126,6 +131,7 @@ class AceReader {
  private:
   using Curve = AttenuationCoeff<T>;
   using Points = typename Curve::Points;
+  using Data = std::vector<typename Curve::Stretch>;
 
   // Moves to the numbers of the material's table.
   bool findTable() {
@@ -190,23 +196,28 @@ class AceReader {
     return points;
   }
 
-  static Curve logCurve(Points& points, T factor) {
-    return Curve::fromSorted(
-        {{std::move(points), Curve::LogLog, /*cubic=*/true}}, factor,
-        /*linear=*/false);
+  static Curve curve(Points& points, bool cubic, T factor, bool linear) {
+    Data data;
+    data.push_back({std::move(points), Curve::LogLog, cubic});
+    return Curve::fromSorted(data, factor, linear);
+  }
+
+  // A table without energies ends in the finding of pairCurve().
+  static Curve logCurve(Numbers& numbers, std::vector<T> const& energies,
+                        T factor) {
+    Points points = readLogs(numbers, energies);
+    if (points.empty()) return {};
+    return curve(points, /*cubic=*/true, factor, /*linear=*/false);
   }
 
   static Curve pairCurve(Points& points, T factor) {
-    return Curve::fromSorted(
-        {zeroUpTo(T(PairThreshold)),
-         {std::move(points), Curve::LogLog, /*cubic=*/true}},
-        factor, /*linear=*/true);
+    Data data{zeroUpTo(T(PairThreshold))};
+    data.push_back({std::move(points), Curve::LogLog, /*cubic=*/true});
+    return Curve::fromSorted(data, factor, /*linear=*/true);
   }
 
   static Curve gridCurve(Points& points) {
-    return Curve::fromSorted(
-        {{std::move(points), Curve::LogLog, /*cubic=*/false}}, T(1),
-        /*linear=*/true);
+    return curve(points, /*cubic=*/false, T(1), /*linear=*/true);
   }
 
   void readFluorescence(Numbers& numbers) {

@@ -305,14 +305,16 @@ void EndfReader<T>::addTransition() {
                      SubshellID(z_, subshell(to)), /*radiative=*/false);
 }
 
+// Valid up to the next call.
 template <class T>
 std::string const& EndfReader<T>::levelText(int level) {
-  std::string& text = levelTexts_[level];
-  if (text.empty()) {
-    std::ostringstream out;
-    SubshellToString(out, subshell(level));
-    text = out.str();
-  }
+  bool const isNamed = level >= K1 && level <= Q3;
+  std::string& text =
+      levelTexts_[isNamed ? static_cast<std::size_t>(level) : 0];
+  if (isNamed && !text.empty()) return text;
+  std::ostringstream out;
+  SubshellToString(out, subshell(level));
+  text = out.str();
   return text;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <bitset>
 #include <cstddef>
 #include <cstdint>
@@ -159,7 +160,7 @@ class EndfReader {
   std::uint32_t blockCount_ = 0;
   int level_ = 0;
   T yield_ = 0;
-  std::map<int, std::string> levelTexts_;
+  std::array<std::string, LevelCount + 1> levelTexts_;
 
   // The record at hand of the spectra or the angular distribution.
   bool inYields_ = false;
