@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <ostream>
 #include <sstream>
 #include <streambuf>
@@ -53,11 +54,11 @@ void BM_RebinPlain(benchmark::State& state) {
 }
 BENCHMARK(BM_RebinPlain)->Arg(1000)->Unit(benchmark::kMillisecond);
 
-constexpr std::size_t plotNodes = 1'000'000;
+constexpr std::int64_t plotNodes = 1'000'000;
 
 plain::Grid plotEnergies() {
   plain::Grid grid;
-  for (std::size_t i = 0; i < plotNodes; ++i)
+  for (std::int64_t i = 0; i < plotNodes; ++i)
     grid.emplace_hint(grid.end(), 1 + 1e-4 * static_cast<double>(i), 0.);
   return grid;
 }

@@ -9,6 +9,7 @@
 #include <map>
 #include <sstream>
 #include <stdexcept>
+#include <streambuf>
 #include <string>
 #include <vector>
 
@@ -162,7 +163,7 @@ TEST(BremsTable, RefusesAStepThatReachesTheVoltage) {
 }
 
 TEST(BremsTable, NeedsTwoSteps) {
-  for (std::uint64_t steps : {0, 1}) {
+  for (std::uint64_t const steps : {0U, 1U}) {
     std::ostringstream out;
     Settings const settings(100, 1, steps);
     EXPECT_EQ(messageOf<std::runtime_error>([&] {
@@ -312,6 +313,46 @@ TEST(BremsTable, ThrowsBehindTheTeamWhatARowThrows) {
   EXPECT_THROW(settings.spect.IPC.exceptions(std::ios_base::badbit),
                std::ios_base::failure);
   EXPECT_THROW(tableOf(settings, bremsMaterial()), std::ios_base::failure);
+}
+
+// Notes how much of a table has been written whenever progress is reported.
+class Witness : public std::streambuf {
+ public:
+  explicit Witness(std::ostringstream& table) : table_(table) {}
+
+  // Bytes of the table at the report of so many percent.
+  std::map<int, std::size_t> written;
+
+ protected:
+  int_type overflow(int_type c) override {
+    line_ += traits_type::to_char_type(c);
+    if (line_.back() != '\n') return c;
+    written[std::stoi(line_.substr(10))] = table_.view().size();
+    line_.clear();
+    return c;
+  }
+
+ private:
+  std::ostringstream& table_;
+  std::string line_;
+};
+
+TEST(BremsTable, WritesRowsWhileOthersAreComputed) {
+  int const usual = omp_get_max_threads();
+  omp_set_num_threads(2);
+  Settings const settings(2000, 1, 11);
+  std::ostringstream out;
+  Witness witness(out);
+  std::ostream& progress = settings.spect.IPC;
+  std::streambuf* const connection = progress.rdbuf(&witness);
+  BremsTable(out, settings.spect, settings.dist, bremsMaterial());
+  progress.rdbuf(connection);
+  omp_set_num_threads(usual);
+  double const size = static_cast<double>(out.view().size());
+  // Two threads hold back 64 of 2000 rows at most.
+  for (auto const& [percent, bytes] : witness.written)
+    EXPECT_GT(static_cast<double>(bytes) / size, percent / 100. - 0.04);
+  EXPECT_GT(witness.written.size(), 10U);
 }
 
 }  // namespace
