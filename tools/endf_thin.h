@@ -3,7 +3,6 @@
 #include <deque>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace Tool {
@@ -25,8 +24,6 @@ class ThinTable {
   std::vector<std::string_view> const& lines() const { return lines_; }
 
  private:
-  using Point = std::pair<std::string_view, std::string_view>;
-
   void thin(double tolerance);
   void write(std::vector<std::string_view> const& points);
 
