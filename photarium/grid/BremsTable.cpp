@@ -7,8 +7,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <exception>
-#include <limits>
+#include <memory>
 #include <ostream>
 #include <span>
 #include <stdexcept>
@@ -17,6 +16,7 @@
 
 #include "photarium/foundation/constants.h"
 #include "photarium/foundation/number.h"
+#include "photarium/foundation/parallel.h"
 #include "photarium/grid/InverseRows.h"
 #include "photarium/grid/TableHeader.h"
 #include "photarium/spline/CSpline.h"
@@ -203,26 +203,6 @@ class RowWriter {
   InverseRows<T> inverse_;
 };
 
-// Keeps the first failure, in the order of the rows, of a team of threads.
-class Failure {
- public:
-  void keep(std::size_t row) {
-#pragma omp critical(photarium_brems_failure)
-    if (row < row_) {
-      row_ = row;
-      failure_ = std::current_exception();
-    }
-  }
-
-  void rethrow() const {
-    if (failure_) std::rethrow_exception(failure_);
-  }
-
- private:
-  std::size_t row_ = std::numeric_limits<std::size_t>::max();
-  std::exception_ptr failure_;
-};
-
 // A team of threads that computes the rows of a table, a block at a time.
 template <class T>
 class Team {
@@ -230,11 +210,8 @@ class Team {
   Team(Table<T> const& table, std::ostream& progress)
       : table_(table),
         progress_(progress, table.rows),
-        threads_(teamSize(table.rows)),
-        texts_(static_cast<std::size_t>(threads_) * 8 * Lanes) {
-    writers_.reserve(static_cast<std::size_t>(threads_));
-    for (int i = 0; i < threads_; ++i) writers_.emplace_back(table);
-  }
+        writers_(static_cast<std::size_t>(omp_get_max_threads())),
+        texts_(writers_.size() * 8 * Lanes) {}
 
   void write(std::ostream& out) {
     for (std::uint64_t first = 0; first < table_.rows; first += texts_.size()) {
@@ -251,33 +228,26 @@ class Team {
  private:
   static constexpr std::size_t Lanes = RowWriter<T>::Lanes;
 
-  // No more threads than there are batches of rows.
-  static int teamSize(std::uint64_t rows) {
-    std::uint64_t const batches = (rows + Lanes - 1) / Lanes;
-    auto const most = static_cast<std::uint64_t>(omp_get_max_threads());
-    return static_cast<int>(std::min(most, batches));
+  void compute(std::uint64_t first, std::size_t count) {
+    std::span<std::string> const texts(texts_.data(), count);
+    forEachIndex((count + Lanes - 1) / Lanes, [&](std::size_t i) {
+      auto const begin = i * Lanes;
+      writerOfThread().write(
+          first + begin, texts.subspan(begin, std::min(Lanes, count - begin)),
+          progress_);
+    });
   }
 
-  void compute(std::uint64_t first, std::size_t count) {
-    Failure failure;
-#pragma omp parallel for schedule(static, 1) num_threads(threads_)
-    for (std::size_t i = 0; i < count; i += Lanes) {
-      try {
-        auto& writer = writers_[static_cast<std::size_t>(omp_get_thread_num())];
-        std::span<std::string> const all(texts_);
-        writer.write(first + i, all.subspan(i, std::min(Lanes, count - i)),
-                     progress_);
-      } catch (...) {
-        failure.keep(i);
-      }
-    }
-    failure.rethrow();
+  RowWriter<T>& writerOfThread() {
+    auto& writer = writers_[static_cast<std::size_t>(omp_get_thread_num())];
+    if (!writer) writer = std::make_unique<RowWriter<T>>(table_);
+    return *writer;
   }
 
   Table<T> const& table_;
   Progress progress_;
-  int threads_;
-  std::vector<RowWriter<T>> writers_;
+  // One for each thread that has had something to do.
+  std::vector<std::unique_ptr<RowWriter<T>>> writers_;
   std::vector<std::string> texts_;  // rows that wait for those ahead of them
 };
 
