@@ -57,11 +57,6 @@ N columns(std::string_view line, std::size_t offset, std::size_t width) {
   return value;
 }
 
-bool isTableName(std::string_view line) {
-  return line.size() >= 10 && line[6] == '.' &&
-         (line[9] == 'p' || line[9] == 'P');
-}
-
 TableSizes sizesOf(std::string_view line) {
   return {columns<std::uint32_t>(line, 9, 9),
           columns<std::uint32_t>(line, 18, 9),
@@ -211,7 +206,7 @@ class AceReader {
   }
 
   static Curve pairCurve(Points& points, T factor) {
-    Data data{zeroUpTo(T(PairThreshold))};
+    Data data{zeroUpTo<typename Curve::Stretch>(T(PairThreshold))};
     data.push_back({std::move(points), Curve::LogLog, /*cubic=*/true});
     return Curve::fromSorted(data, factor, /*linear=*/true);
   }

@@ -41,8 +41,7 @@ bool isFileHead(std::string_view line) {
 
 // A table identifier such as "1000.04p" at the start of a line.
 bool isTableHead(std::string_view line) {
-  if (line.size() < 10 || (line[9] != 'p' && line[9] != 'P') || line[6] != '.')
-    return false;
+  if (!isTableName(line)) return false;
   auto const isNumber = [](std::string_view text) {
     return text.find_first_not_of(" 0123456789") == std::string_view::npos;
   };

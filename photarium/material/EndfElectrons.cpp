@@ -5,6 +5,7 @@
 
 #include "photarium/foundation/constants.h"
 #include "photarium/material/EndfReader.h"
+#include "photarium/material/readers.h"
 
 // What the ENDF reader does with the spectra of bremsstrahlung and the angular
 // distribution of elastic scattering.
@@ -13,10 +14,6 @@ namespace {
 
 // Nodes of a bremsstrahlung row between 0 and the energy of the electron.
 constexpr int FractionCount = 100;
-
-// All angular rows share one grid of cosines. The laboratories' files have some
-// ten thousand nodes; many rows without a common cosine would fill the memory.
-constexpr std::size_t LargestAngleTable = 1000000;
 
 }  // namespace
 
@@ -173,7 +170,7 @@ BiLSpline<T, T> EndfReader<T>::angleTable() {
   if (angles_.empty()) return {};
   std::stable_sort(cosines_.begin(), cosines_.end());
   cosines_.erase(std::unique(cosines_.begin(), cosines_.end()), cosines_.end());
-  if (cosines_.size() > LargestAngleTable / angles_.size())
+  if (cosines_.size() > LargestTable / angles_.size())
     throw std::runtime_error("Angular distribution is too large");
   std::vector<T> values(cosines_.size());
   for (auto& [energy, row] : angles_) {

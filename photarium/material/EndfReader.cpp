@@ -44,7 +44,8 @@ void EndfReader<T>::read(std::string_view text) {
               {&M::ElectronElastic, {}, true},  {&M::FormFactor, {}, false},
               {&M::ScatterFunction, {}, false}, {&M::AnomalousImag, {}, false},
               {&M::AnomalousReal, {}, false}};
-  results_[Pair].data.push_back(zeroUpTo(T(PairThreshold)));
+  results_[Pair].data.push_back(
+      zeroUpTo<typename Curve::Stretch>(T(PairThreshold)));
   if (material_.Z <= 99) {
     appendGeneral(targetMat_, material_.Z * 100);
     if (targetMat_.size() < 4) targetMat_.insert(0, 4 - targetMat_.size(), ' ');
@@ -418,7 +419,7 @@ void EndfReader<T>::storeTable() {
   if (target_.data)
     return cutRanges(ranges_, points_, *target_.data, target_.cubic);
   T const threshold = points_.empty() ? T(0) : points_.front().first;
-  Data data{zeroUpTo(threshold)};
+  Data data{zeroUpTo<typename Curve::Stretch>(threshold)};
   cutRanges(ranges_, points_, data, target_.cubic);
   SubshellID const level(z_, subshell(static_cast<int>(mt_ - 533)));
   target_.levels->try_emplace(

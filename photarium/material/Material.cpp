@@ -6,10 +6,10 @@
 #include <utility>
 #include <vector>
 
-#include "photarium/foundation/constants.h"
 #include "photarium/foundation/elements.h"
 #include "photarium/foundation/number.h"
 #include "photarium/foundation/text.h"
+#include "photarium/material/readers.h"
 
 namespace {
 
@@ -63,14 +63,12 @@ void Material<T>::search() {
 
 template <class T>
 void Material<T>::initDataVec(std::vector<Stretch>& data, T const& threshold) {
-  data.push_back({{{T(0), T(0)}, {threshold, T(0)}},
-                  AttenuationCoeff<T>::Const,
-                  /*cubic=*/false});
+  data.push_back(zeroUpTo<Stretch>(threshold));
 }
 
 template <class T>
 void Material<T>::initPairData(std::vector<Stretch>& data) {
-  initDataVec(data, T(2.2 * Constants::XME));
+  initDataVec(data, T(PairThreshold));
 }
 
 template class Material<double>;

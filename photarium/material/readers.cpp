@@ -48,6 +48,11 @@ std::size_t unpackedLimit(std::size_t packedSize) {
 
 std::string remainingText(std::istream& in) {
   std::string text;
+bool isTableName(std::string_view line) {
+  return line.size() >= 10 && line[6] == '.' &&
+         (line[9] == 'p' || line[9] == 'P');
+}
+
   if (in.good()) appendRest(*in.rdbuf(), text, std::size_t{1} << 16);
   return text;
 }

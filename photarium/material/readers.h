@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <istream>
 #include <string>
 #include <string_view>
@@ -15,13 +16,21 @@ inline constexpr double NeutronWeight = Constants::mn / Constants::u;
 /// [keV], above which the readers have pair production.
 inline constexpr double PairThreshold = 2.2 * Constants::XME;
 
-/// A stretch that is 0 up to `threshold`.
-template <class T>
-typename AttenuationCoeff<T>::Stretch zeroUpTo(T threshold) {
+/// Nodes of the largest table in two dimensions. All rows of some share one
+/// grid: the laboratories' files make some ten thousand nodes of it, but many
+/// rows without a common node would fill the memory.
+inline constexpr std::size_t LargestTable = 1000000;
+
+/// A stretch, in either form of AttenuationCoeff, that is 0 up to `threshold`.
+template <class Stretch, class T>
+Stretch zeroUpTo(T threshold) {
   return {{{T(0), T(0)}, {threshold, T(0)}},
           AttenuationCoeff<T>::Const,
           /*cubic=*/false};
 }
+
+/// True for the first line of an ACE table of photons: "26000.04p" and more.
+bool isTableName(std::string_view line);
 
 /// The whole rest of a stream, read past its formatting in large blocks. Leaves
 /// the state of the stream alone; what its buffer throws goes on.
