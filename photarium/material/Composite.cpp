@@ -4,6 +4,7 @@
 #include <iterator>
 #include <map>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -15,6 +16,7 @@
 #include "photarium/foundation/text.h"
 #include "photarium/foundation/warning.h"
 #include "photarium/material/Material.h"
+#include "photarium/material/readers.h"
 
 namespace {
 
@@ -220,6 +222,8 @@ class Material<T>::Composite {
         cosines.insert(node.first);
     }
     std::map<T const, LSpline<T, T>> rows;
+    if (!energies.empty() && cosines.size() > LargestTable / energies.size())
+      throw std::runtime_error("Angular distribution is too large");
     for (T const energy : energies)
       rows.emplace(energy, summedRow(energy, cosines));
     whole_.ElasticAngle =

@@ -56,6 +56,8 @@ void EndfReader<T>::beginSpectra() {
         "Found bremsstrahlung spectra, but no cross section!");
   if (bremsSize_ == bremsstrahlung_.size()) return;
   bremsSize_ = bremsstrahlung_.size();
+  for (auto const& stretch : bremsstrahlung_)
+    countStored(1 + stretch.first.size());
   bremsCurve_ = Curve::fromSorted(bremsstrahlung_, T(1000000), /*linear=*/true);
 }
 
@@ -89,6 +91,8 @@ void EndfReader<T>::beginSpectrum() {
 template <class T>
 void EndfReader<T>::storeSpectrum() {
   ++count_;
+  if (spectra_.size() >= LargestTable / FractionCount)
+    throw std::runtime_error("Bremsstrahlung table is too large");
   sortPoints();
   Curve const spectrum = Curve::fromSorted(
       {{points_, recordLaw_, /*cubic=*/false}}, T(1), /*linear=*/true);
@@ -178,7 +182,9 @@ BiLSpline<T, T> EndfReader<T>::angleTable() {
       values[i] = row.template at<true, true>(cosines_[i]);
     row = LSpline<T, T>(cosines_, values);
   }
-  return BiLSpline<T, T>(angles_);
+  BiLSpline<T, T> table(angles_);
+  angles_.clear();
+  return table;
 }
 
 template void EndfReader<double>::readSpectra();

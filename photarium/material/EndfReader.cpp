@@ -21,6 +21,9 @@ constexpr std::uint32_t ElectroAtomic = 113;
 constexpr std::size_t ColumnsPerPoint = 2 * EndfFieldWidth;
 constexpr std::size_t ColumnsPerLine = 80;
 
+// How often the points of a text may be stored, see countStored().
+constexpr std::size_t MostCopies = 4;
+
 // Room for `count` items of `columns` each, or for as many as `text` can hold:
 // the counts of a file are not to be trusted.
 std::size_t plausible(std::uint32_t count, std::string_view text,
@@ -39,6 +42,7 @@ template <class T>
 void EndfReader<T>::read(std::string_view text) {
   using M = Material<T>;
   rest_ = text;
+  storable_ = MostCopies * (text.size() / ColumnsPerPoint);
   results_ = {{&M::Absorption, {}, true},       {&M::Coherent, {}, true},
               {&M::Incoherent, {}, true},       {&M::Pair, {}, true},
               {&M::ElectronElastic, {}, true},  {&M::FormFactor, {}, false},
@@ -223,6 +227,14 @@ void EndfReader<T>::sortPoints() {
   };
   if (!std::is_sorted(points_.begin(), points_.end(), isBelow))
     std::stable_sort(points_.begin(), points_.end(), isBelow);
+}
+
+// A database stores each of its points once. Sections without their heads may
+// store those of others again and again: that must not fill the memory.
+template <class T>
+void EndfReader<T>::countStored(std::size_t count) {
+  if (count > storable_) throw std::runtime_error("Tables are too large");
+  storable_ -= count;
 }
 
 template <class T>
@@ -410,10 +422,13 @@ typename EndfReader<T>::Target EndfReader<T>::curveTarget(ResultIndex index,
 }
 
 // Further lines of a complete section would store the same points once more,
-// which changes nothing.
+// which changes nothing, save that each empty stretch is a finding each time.
 template <class T>
 void EndfReader<T>::storeTable() {
-  if (isStored_[target_.slot]) return;
+  bool const isEmptyAhead =
+      !ranges_.empty() && (points_.empty() || ranges_.front().first == 0);
+  if (isStored_[target_.slot] && !isEmptyAhead) return;
+  countStored(points_.size() + ranges_.size());
   isStored_.set(target_.slot);
   sortPoints();
   if (target_.data)
@@ -436,11 +451,11 @@ void EndfReader<T>::finish() {
   for (Result const& result : results_)
     built.push_back(Curve::fromSorted(
         result.data, result.isPerAtom ? factor_ : T(1), /*linear=*/true));
-  BiLSpline<T, T> const angles = angleTable();
+  BiLSpline<T, T> angles = angleTable();
   for (std::size_t i = 0; i < built.size(); ++i)
     material_.*results_[i].curve = std::move(built[i]);
+  if (!angles.empty()) material_.ElasticAngle = std::move(angles);
   if (!spectra_.empty()) material_.TabSigma = BiLSpline<T, T>(spectra_);
-  if (!angles.empty()) material_.ElasticAngle = angles;
 }
 
 template <class T>

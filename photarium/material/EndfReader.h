@@ -119,6 +119,7 @@ class EndfReader {
   void clearPoints();
   void addPoints(std::uint32_t& count, std::uint32_t limit);
   void sortPoints();
+  void countStored(std::size_t count);
 
   void finish();
   BiLSpline<T, T> angleTable();
@@ -153,6 +154,7 @@ class EndfReader {
   std::uint32_t count_ = 0;
   typename Curve::Points points_;
   std::bitset<TargetCount> isStored_;  // where these are already
+  std::size_t storable_ = 0;  // points and stretches, over the whole text
 
   // The level at hand: its block of lines is its energy and its transitions.
   std::uint32_t levelCount_ = 0;

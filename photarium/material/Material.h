@@ -174,9 +174,9 @@ class Material {
   /// wide and numbered; numbers have no exponent letter.
   ///
   /// Throws std::runtime_error "Element ", `Name`, " not found" and for data of
-  /// a layout that it cannot use, std::out_of_range "invalid string position"
-  /// for a line shorter than its control columns. Curves are assigned only if
-  /// the whole text was read.
+  /// a layout or a size that it cannot use, std::out_of_range "invalid string
+  /// position" for a line shorter than its control columns. Curves are assigned
+  /// only if the whole text was read.
   void readENDF(std::istream& in);
 
   /// Fills this element, found by `Z`, from a photo-atomic library in the text

@@ -9,6 +9,7 @@
 #include "tests/material/PlainEndfReader.h"
 #include "tests/material/fingerprint.h"
 #include "tests/support/paths.h"
+#include "tests/support/thrown.h"
 
 namespace {
 
@@ -106,6 +107,15 @@ std::string without(std::string const& text, std::string const& control) {
 
 std::string small() {
   return smallElement(26, "Fe").str();
+}
+
+// An element with a section of cross sections for electrons and many points.
+EndfText manyPoints(int mt) {
+  EndfText::Points points;
+  for (int i = 1; i <= 20000; ++i) points.emplace_back(i * 1e3, 1);
+  EndfText text(26, "Fe");
+  text.head(113, 55).table(23, 527, {{10, 1}}).table(23, mt, points);
+  return text;
 }
 
 // A field of the shapes that files have, and its text with an "e".
@@ -551,6 +561,58 @@ TEST(EndfReader, RefusesAGridOfAnglesThatFillsTheMemory) {
     text.control(0, i * 1e3, 12, 0, 2, 1).points({{i * 1e-4, 1}});
   EXPECT_EQ(failureOf(text.str()),
             "runtime_error Angular distribution is too large");
+}
+
+TEST(EndfReader, RefusesBremsstrahlungThatFillsTheMemory) {
+  EndfText text(26, "Fe");
+  text.head(113, 55).table(23, 527, {{10, 9e3}, {1e11, 1e3}}, 5);
+  text.section(26, 527).control(0, 0, 0, 0, 0, 0).control(0, 0, 0, 1, 0, 0);
+  text.control(0, 0, 0, 2, 0, 20000);
+  for (int i = 1; i <= 10001; ++i)
+    text.control(0, i * 1e3, 0, 0, 2, 1).points({{10, 1}});
+  EXPECT_EQ(failureOf(text.str()),
+            "runtime_error Bremsstrahlung table is too large");
+}
+
+TEST(EndfReader, RefusesPointsThatAreStoredAgainAndAgain) {
+  EndfText text = manyPoints(526);
+  for (int i = 0; i < 2000; ++i) {
+    text.section(26, 527, 1).control(0, 0, 0, 1, 1, 0);
+    text.section(23, 526, 2).wholes({99999999, 2}).numbers({1, 1});
+  }
+  EXPECT_EQ(failureOf(text.str()), "runtime_error Tables are too large");
+}
+
+TEST(EndfReader, RefusesLevelsThatAreBuiltAgainAndAgain) {
+  EndfText text = manyPoints(534);
+  for (int i = 0; i < 2000; ++i) {
+    text.section(26, 527, 1).control(0, 0, 0, 1, 1, 0);
+    text.section(23, 534, 2).wholes({99999999, 2}).numbers({1, 1});
+  }
+  EXPECT_EQ(failureOf(text.str()), "runtime_error Tables are too large");
+}
+
+TEST(EndfReader, RefusesACrossSectionThatGrowsAheadOfEachSpectrum) {
+  EndfText text = manyPoints(527);
+  for (int i = 0; i < 2000; ++i) {
+    text.table(23, 527, {{10, 1}});
+    text.section(26, 527).control(0, 0, 0, 0, 0, 0);
+  }
+  EXPECT_EQ(failureOf(text.str()), "runtime_error Tables are too large");
+}
+
+TEST(EndfReader, HasAFindingForEachEmptyStretchOnEachLine) {
+  std::string const finding = "No datapoints for interpolation!\n";
+  for (std::size_t const lines : {1, 3}) {
+    EndfText text(26, "Fe");
+    text.head(3, 55).section(23, 522).control(0, 0, 0, 0, 0, 0);
+    text.control(0, 0, 0, 0, 2, 0).wholes({5, 2, 9, 2});
+    for (std::size_t i = 0; i < lines; ++i) text.numbers({1, 1});
+    EXPECT_EQ(difference(text.str(), "Fe"), "");
+    std::string expected;
+    for (std::size_t i = 0; i < 2 * lines; ++i) expected += finding;
+    EXPECT_EQ(thrown<warning>([&] { readElement(text.str()); }), expected);
+  }
 }
 
 TEST(EndfReader, LeavesTheCurvesAloneWhenItFails) {

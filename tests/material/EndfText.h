@@ -45,10 +45,10 @@ class EndfText {
     text_ += fields + control;
     return *this;
   }
-  EndfText& section(int mf, int mt) {
+  EndfText& section(int mf, int mt, int linesAhead = 0) {
     mf_ = mf;
     mt_ = mt;
-    ns_ = 0;
+    ns_ = linesAhead;
     return *this;
   }
   EndfText& control(double c1, double c2, long l1, long l2, long n1, long n2) {

@@ -130,6 +130,23 @@ TEST_F(ElectronComposite, HasNoCumulativeProbabilityAboveOne) {
   EXPECT_LE(value(alloy.ElasticAngle, 1, 1), 1);
 }
 
+TEST_F(ElectronComposite, RefusesAGridOfAnglesThatFillsTheMemory) {
+  std::vector<double> energies;
+  for (int i = 1; i <= 1100; ++i) energies.push_back(i * 1e3);
+  EndfText::Points angles;
+  for (int i = 0; i <= 1000; ++i) angles.emplace_back(i * 1e-3, .5);
+  std::string const folder = "data/ENDF-VII0/";
+  scratch.write(folder + "030_Zn_000.endf",
+                element(30, "Zn", 1, energies, {{-1, .5}, {1, .5}}));
+  scratch.write(folder + "031_Ga_000.endf",
+                element(31, "Ga", 1, {1e3, 1e6}, angles));
+  config.Material = "ZnGa";
+  EXPECT_EQ(
+      thrown<std::runtime_error>([&] { Material<double> const alloy(config); }),
+      "Error loading material data for ZnGa:\n"
+      "Angular distribution is too large");
+}
+
 TEST_F(ElectronComposite, ScalesTheLevelsOfItsElements) {
   Material<double> const alloy = load("Fe0.25Cu0.75");
   ASSERT_EQ(alloy.PhotoIonization.size(), 2U);

@@ -101,7 +101,7 @@ class Fingerprint {
 };
 
 /// What `read` makes of a fresh material of that name or number: how it ends,
-/// then the fingerprint. A finding that is repeated counts once.
+/// then the fingerprint.
 template <class Read>
 std::string outcome(std::string const& name, Read const& read) {
   Material<double> material(name, 0, 0, 0);
@@ -109,12 +109,7 @@ std::string outcome(std::string const& name, Read const& read) {
   try {
     read(material);
   } catch (warning const& failure) {
-    std::string const finding = "No datapoints for interpolation!\n";
-    end = std::string("warning ") +
-          (failure.what() == finding ? finding
-           : std::string(failure.what()).starts_with(finding + finding)
-               ? finding
-               : failure.what());
+    end = std::string("warning ") + failure.what();
   } catch (std::out_of_range const& failure) {
     end = std::string("out_of_range ") + failure.what();
   } catch (std::runtime_error const& failure) {
