@@ -74,7 +74,7 @@ class Material<T>::Composite {
         split<std::string>(whole_.Name, Blanks, /*keepEmpty=*/false);
     readWords(words);
     whole_.Z = whole_.A = whole_.Density = 0;
-    for (auto& [name, part] : parts_) add(name, part);
+    for (auto& [piece, part] : parts_) add(part);
     if (words.size() > 1) whole_.Name = canonicalName();
     note(" (coherent scattering form factor of ", whole_.Name,
          [&] { whole_.FormFactor.sqrt(); });
@@ -138,10 +138,10 @@ class Material<T>::Composite {
   }
 
   // Adds an element, which is scaled by its share for that.
-  void add(std::string const& name, Part& part) {
+  void add(Part& part) {
     Material& element = part.element;
     T const share = part.mass / sum_;
-    shares_.emplace(share, element.Z, name);
+    shares_.emplace(share, element.Z, element.Name);
     Share& own = whole_.Shares[element.Name];
     own.Mass += share;
     own.A = element.A;
@@ -152,13 +152,14 @@ class Material<T>::Composite {
       whole_.EnergyLoss[constants] += share * weight;
     std::move(element.Edges.begin(), element.Edges.end(),
               std::back_inserter(whole_.Edges));
-    addCurves(name, element, share);
+    addCurves(element, share);
     angles_.push_back(element.ElasticAngle);
     addLevels(whole_.PhotoIonization, element.PhotoIonization, share);
     addLevels(whole_.ElectronIonization, element.ElectronIonization, share);
   }
 
-  void addCurves(std::string const& name, Material& element, T share) {
+  void addCurves(Material& element, T share) {
+    std::string const& name = element.Name;
     note(" (pair production of ", name, [&] {
       scale(element, share);
       whole_.Absorption += element.Absorption;
@@ -221,9 +222,9 @@ class Material<T>::Composite {
       for (auto const& node : row(angle, *nodes.begin()).nodes())
         cosines.insert(node.first);
     }
-    std::map<T const, LSpline<T, T>> rows;
     if (!energies.empty() && cosines.size() > LargestTable / energies.size())
       throw std::runtime_error("Angular distribution is too large");
+    std::map<T const, LSpline<T, T>> rows;
     for (T const energy : energies)
       rows.emplace(energy, summedRow(energy, cosines));
     whole_.ElasticAngle =
@@ -265,7 +266,8 @@ class Material<T>::Composite {
   std::string files_;  // of the elements, in the order of loading
   std::map<std::string, Part> parts_;
   T sum_ = 0;  // of the weights
-  std::set<std::tuple<T, T, std::string>, std::greater<>> shares_;
+  // Share, number and name. A symbol and its number may give equal ones.
+  std::multiset<std::tuple<T, T, std::string>, std::greater<>> shares_;
   std::vector<BiLSpline<T, T>> angles_;
 };
 

@@ -123,7 +123,16 @@ TEST_F(Composite, AddsAnElementThatOccursTwice) {
 }
 
 TEST_F(Composite, TakesNumbersOfElementsForPieces) {
-  EXPECT_NEAR(hydrogenShare(load("1 1 8 3")), 0.25, 1e-12);
+  Material<double> const mixture = load("1 1 8 3");
+  EXPECT_NEAR(hydrogenShare(mixture), 0.25, 1e-12);
+  EXPECT_EQ(mixture.Name, "O0.75H0.25");
+  EXPECT_NEAR(hydrogenShare(load(mixture.Name)), 0.25, 1e-12);
+}
+
+TEST_F(Composite, NamesAnElementTwiceThatIsGivenBySymbolAndByNumber) {
+  Material<double> const mixture = load("H 1 1 1 O 2");
+  EXPECT_EQ(mixture.Name, "O0.5H0.25H0.25");
+  EXPECT_NEAR(hydrogenShare(load(mixture.Name)), 0.5, 1e-12);
 }
 
 TEST_F(Composite, BeginsAPieceAtALetterBehindANumber) {
