@@ -128,7 +128,8 @@ class AceReader {
   using Points = typename Curve::Points;
   using Data = std::vector<typename Curve::Stretch>;
 
-  // Moves to the numbers of the material's table.
+  // Moves to the numbers of the material's table. None has the number 0, which
+  // lines without a number would seem to be.
   bool findTable() {
     std::size_t count = 0;
     while (!rest_.empty()) {
@@ -141,7 +142,8 @@ class AceReader {
         count = 0;
       }
       if (count == SizeLine) sizes_ = sizesOf(line);
-      if (count == LastHeadLine && T(sizes_.z) == material_.Z) return true;
+      bool const isOwn = sizes_.z != 0 && T(sizes_.z) == material_.Z;
+      if (count == LastHeadLine && isOwn) return true;
     }
     return false;
   }

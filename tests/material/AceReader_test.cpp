@@ -166,6 +166,63 @@ TEST(AceReader, MakesOneLineOfTwoEntries) {
   EXPECT_EQ(K.Lines[0].From, SubshellID());
 }
 
+TEST(AceReader, MakesThreeLinesOfFourEntries) {
+  AceTable table;
+  table.fluorescence = {5e-3, 6e-3, 7e-3, 8e-3, .2,   .4,   .5,   .6,
+                        .01,  .05,  .07,  .08,  1e-3, 2e-3, 3e-3, 4e-3};
+  Material<double> const iron = readIron(table);
+  ASSERT_EQ(iron.Edges.size(), 1U);
+  Edge<double> const& K = iron.Edges[0];
+  double const D = .6 - .2;
+  EXPECT_EQ(K.ID, SubshellID(26, K1));
+  EXPECT_DOUBLE_EQ(K.Energy, 8);
+  EXPECT_DOUBLE_EQ(K.Yield, (.08 - .01) / D);
+  EXPECT_DOUBLE_EQ(K.Jump, 1 / .2);
+  ASSERT_EQ(K.Lines.size(), 3U);
+  EXPECT_EQ(K.Lines[0].Label, "K-L3");
+  EXPECT_EQ(K.Lines[0].From, SubshellID(26, L3));
+  EXPECT_DOUBLE_EQ(K.Lines[0].Energy, 2);
+  EXPECT_DOUBLE_EQ(K.Lines[0].Intensity, (.05 - .01) / D);
+  EXPECT_EQ(K.Lines[1].Label, "K-L2");
+  EXPECT_EQ(K.Lines[1].From, SubshellID(26, L2));
+  EXPECT_DOUBLE_EQ(K.Lines[1].Intensity, (.07 - .05) / D);
+  EXPECT_EQ(K.Lines[2].Label, "K-M3");
+  EXPECT_EQ(K.Lines[2].From, SubshellID(26, M3));
+  EXPECT_DOUBLE_EQ(K.Lines[2].Energy, 4);
+  EXPECT_DOUBLE_EQ(K.Lines[2].Intensity, (.08 - .07) / D);
+}
+
+TEST(AceReader, MakesTwoEdgesOfFiveEntries) {
+  AceTable table;
+  table.fluorescence = {1e-3, 2e-3, 6e-3, 7e-3, 8e-3, .1,  .2,
+                        .4,   .5,   .6,   .01,  .02,  .06, .08,
+                        .09,  1e-3, 2e-3, 3e-3, 4e-3, 5e-3};
+  Material<double> const iron = readIron(table);
+  ASSERT_EQ(iron.Edges.size(), 2U);
+  Edge<double> const& K = iron.Edges[0];
+  double const D = .6 - .2;
+  EXPECT_EQ(K.ID, SubshellID(26, K1));
+  EXPECT_DOUBLE_EQ(K.Energy, 8);
+  EXPECT_DOUBLE_EQ(K.Yield, (.09 - .02) / D);
+  EXPECT_DOUBLE_EQ(K.Jump, .6);
+  ASSERT_EQ(K.Lines.size(), 3U);
+  EXPECT_EQ(K.Lines[0].Label, "K-L3");
+  EXPECT_DOUBLE_EQ(K.Lines[0].Energy, 3);
+  EXPECT_DOUBLE_EQ(K.Lines[0].Intensity, (.06 - .02) / D);
+  EXPECT_EQ(K.Lines[1].Label, "K-L2");
+  EXPECT_DOUBLE_EQ(K.Lines[1].Intensity, (.08 - .06) / D);
+  EXPECT_EQ(K.Lines[2].Label, "K-M3");
+  EXPECT_DOUBLE_EQ(K.Lines[2].Intensity, (.09 - .08) / D);
+  Edge<double> const& L = iron.Edges[1];
+  EXPECT_EQ(L.ID, SubshellID(26, L3));
+  EXPECT_DOUBLE_EQ(L.Energy, 2);
+  EXPECT_DOUBLE_EQ(L.Yield, (.02 - .01) / (.2 - .1));
+  EXPECT_DOUBLE_EQ(L.Jump, 1 / .1);
+  ASSERT_EQ(L.Lines.size(), 1U);
+  EXPECT_DOUBLE_EQ(L.Lines[0].Energy, 2);
+  EXPECT_DOUBLE_EQ(L.Lines[0].Intensity, L.Yield);
+}
+
 TEST(AceReader, MakesTwoEdgesOfSixEntries) {
   AceTable table;
   table.fluorescence = blocks(6);
@@ -200,6 +257,19 @@ TEST(AceReader, NamesTheElementThatIsNotThere) {
   table.z = 29;
   EXPECT_EQ(failureOf(table.str()), "runtime_error Element Fe not found");
   EXPECT_EQ(readOutcome(table.str(), "CdTe").substr(0, 37),
+            "runtime_error Element CdTe not found\n");
+}
+
+TEST(AceReader, TakesNoLinesWithoutANumberForATable) {
+  std::string preamble;
+  for (int i = 0; i < 12; ++i) preamble += "some remark\n";
+  std::string const text = preamble + AceTable().str();
+  EXPECT_EQ(readOutcome(text, "CdTe").substr(0, 37),
+            "runtime_error Element CdTe not found\n");
+  AceTable blank;
+  std::string noNumber = blank.str();
+  noNumber.replace(noNumber.find("      999       26"), 18, 18, ' ');
+  EXPECT_EQ(readOutcome(noNumber, "CdTe").substr(0, 37),
             "runtime_error Element CdTe not found\n");
 }
 

@@ -94,7 +94,7 @@ class PlainAceReader {
         nes_ = field<unsigned int>(line, 18, 9);
         nflo_ = field<unsigned int>(line, 27, 9);
       }
-      if (count == 11 && z_ == m_.Z) return true;
+      if (count == 11 && z_ != 0 && z_ == m_.Z) return true;
     }
     return false;
   }
