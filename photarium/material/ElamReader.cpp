@@ -46,7 +46,7 @@ class Words {
   template <class T>
   void number(T& value) {
     if (rest_.empty()) return checkEnd();
-    double read = 0;
+    double read = double(value);  // which it stays at the end of the text
     bool const isNumber = extractNumber(rest_, read);
     value = T(read);
     if (!isNumber) return fail("Number expected");

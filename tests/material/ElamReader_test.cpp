@@ -228,10 +228,15 @@ TEST(ElamReader, PassesOverCommentsAndWhatStandsAheadOfTheElement) {
 }
 
 TEST(ElamReader, FindsAnElementBehindOthersAndBehindBlanks) {
+  std::string const whole = copper().text();
   std::string const text = hydrogen().text() + "  " + oxygen().text() +
                            "  Element\n  Cu\n29 63.5\n 9 rest\n" +
-                           copper().text().substr(headOnly.size() + 40);
-  EXPECT_EQ(read("O", text + "End\n").Z, 8);
+                           whole.substr(whole.find('\n') + 1) + "End\n";
+  EXPECT_EQ(read("O", text).Z, 8);
+  Material<double> const element = read("Cu", text);
+  EXPECT_EQ(element.Z, 29);
+  EXPECT_EQ(element.A, 63.5);
+  EXPECT_EQ(element.Edges.size(), 2U);
 }
 
 TEST(ElamReader, ReadsTheFirstOfTwoElementsOfOneName) {
@@ -273,6 +278,18 @@ TEST(ElamReader, FailsAsAStreamWhereTheTextEndsTooEarly) {
   EXPECT_EQ(failure<std::ios_base::failure>("Cu", headOnly), text);
   EXPECT_EQ(failure<std::ios_base::failure>("Cu", headOnly + "Photo\n 1 2"),
             text);
+}
+
+TEST(ElamReader, LeavesNumbersAsTheyWereBehindTheEndOfTheText) {
+  for (std::string const numbers : {"", "1 ", "1 2 "}) {
+    Material<double> material("Cu", 0, 0, 0);
+    material.Z = material.A = material.Density = 7;
+    std::istringstream in("Element Cu " + numbers + "\n");
+    EXPECT_THROW(material.readElam(in), std::ios_base::failure);
+    EXPECT_EQ(material.Z, numbers.empty() ? 7 : 1);
+    EXPECT_EQ(material.A, numbers.size() < 4 ? 7 : 2);
+    EXPECT_EQ(material.Density, 7);
+  }
 }
 
 TEST(ElamReader, CountsAWordThatMeetsTheEndOfTheTextAsAFailure) {
