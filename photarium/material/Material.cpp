@@ -13,13 +13,6 @@
 
 namespace {
 
-// The row of the element tables for an atomic number that need not be whole, 0
-// where there is none.
-template <class T>
-std::size_t elementRow(T Z) {
-  return Z > 0 && Z < T(ElementsCount) ? static_cast<std::size_t>(Z) : 0;
-}
-
 // The atomic number of a symbol, 0 if it is none.
 std::size_t numberOf(std::string const& symbol) {
   for (std::size_t z = 1; z < ElementsCount; ++z)
@@ -53,7 +46,8 @@ void Material<T>::search() {
   } else if (std::size_t const z = numberOf(Name)) {
     Z = T(z);
   }
-  if (std::size_t const row = elementRow(Z)) {
+  if (Z > 0 && Z < T(ElementsCount)) {
+    auto const row = static_cast<std::size_t>(Z);  // Z need not be whole
     if (nameless) Name = Elements[row];
     if (Density <= 0) Density = T(Densities[row]);
     if (A <= 0) A = T(MassNumbers[row]);

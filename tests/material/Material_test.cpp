@@ -113,6 +113,14 @@ TEST(Material, LooksUpNothingForANumberBelowOne) {
   EXPECT_EQ(Material<double>(1e300).Name, "");
 }
 
+TEST(Material, LooksUpTheRowOfNoElementBetweenZeroAndOne) {
+  Material<double> const nothing(.5, -1, -2);
+  EXPECT_EQ(nothing.Density, Densities[0]);
+  EXPECT_EQ(nothing.A, MassNumbers[0]);
+  EXPECT_EQ(Material<double>(0., -1, -2).Density, -2);
+  EXPECT_EQ(Material<double>(0., -1, -2).A, -1);
+}
+
 TEST(Material, KeepsGivenValues) {
   Material<double> const enriched("Fe", 0, 56.9, 7.5);
   EXPECT_EQ(enriched.A, 56.9);
