@@ -18,8 +18,8 @@ namespace {
 
 constexpr std::size_t NoLimit = std::numeric_limits<std::size_t>::max();
 
-// Appends what is left in `in`, taking `first` bytes at once. Stops behind the
-// limit.
+// Appends what is left in `in`, taking `first` bytes at once. Stops one byte
+// behind the limit.
 void appendRest(std::streambuf& in, std::string& text, std::size_t first,
                 std::size_t limit = NoLimit) {
   std::size_t size = text.size();
@@ -30,10 +30,9 @@ void appendRest(std::streambuf& in, std::string& text, std::size_t first,
     got = static_cast<std::size_t>(
         in.sgetn(text.data() + size, static_cast<std::streamsize>(wanted)));
     size += got;
-    std::size_t const full = wanted;
-    wanted = std::max(first, size);
-    if (got < full) break;
-  } while (size <= limit);
+    if (got < wanted || size > limit) break;
+    wanted = std::min(std::max(first, size), limit - size + 1);
+  } while (true);
   text.resize(size);
 }
 
@@ -44,15 +43,18 @@ std::size_t unpackedLimit(std::size_t packedSize) {
   return std::max(least, 64 * packedSize);
 }
 
+// Devices may have no end.
+constexpr std::size_t SizelessLimit = std::size_t{512} << 20;
+
 }  // namespace
 
-std::string remainingText(std::istream& in) {
-  std::string text;
 bool isTableName(std::string_view line) {
   return line.size() >= 10 && line[6] == '.' &&
          (line[9] == 'p' || line[9] == 'P');
 }
 
+std::string remainingText(std::istream& in) {
+  std::string text;
   if (in.good()) appendRest(*in.rdbuf(), text, std::size_t{1} << 16);
   return text;
 }
@@ -82,11 +84,14 @@ bool readFile(std::string const& path, std::string& text) {
   // file holds see its end, and leave room for line ends.
   std::size_t const first =
       ignored || size == 0 ? std::size_t{1} << 16 : std::size_t(size) + 2;
+  bool const isRegular = std::filesystem::is_regular_file(path, ignored);
+  std::size_t const limit = isRegular ? NoLimit : SizelessLimit;
   try {
-    appendRest(*file.rdbuf(), text, first);
+    appendRest(*file.rdbuf(), text, first, limit);
   } catch (std::ios_base::failure const&) {
     throw std::runtime_error("Could not read file");
   }
+  if (text.size() > limit) throw std::runtime_error("Could not read file");
   return true;
 }
 

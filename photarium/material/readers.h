@@ -41,7 +41,8 @@ std::string remainingText(std::istream& in);
 std::string_view remainingView(std::istream& in, std::string& storage);
 
 /// Reads a whole file. False if it cannot be opened, as a directory cannot;
-/// throws std::runtime_error "Could not read file" if reading breaks off.
+/// throws std::runtime_error "Could not read file" if reading breaks off or if
+/// what is no regular file, as a pipe or a device, has more than 512 MiB.
 bool readFile(std::string const& path, std::string& text);
 
 /// Replaces a packed text by what it holds and leaves any other as it is.

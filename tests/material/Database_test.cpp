@@ -291,6 +291,12 @@ TEST_F(Database, TakesADirectoryForAFileThatIsMissing) {
             "Could not open file while reading folder from " + dir);
 }
 
+TEST_F(Database, RefusesADeviceWithoutEnd) {
+  EXPECT_EQ(thrown<std::runtime_error>(
+                [&] { element.readDB("/dev/zero", "", Unknown); }),
+            "Could not read file while reading /dev/zero");
+}
+
 TEST_F(Database, RefusesAnUnknownFormat) {
   scratch.write("a.txt", "Photo\n 1 2 3\n");
   EXPECT_EQ(failure(element, "a.txt", dir),
