@@ -171,7 +171,8 @@ class Material {
 
   /// Fills this element, found by number or symbol, from ENDF-6 text: photo-
   /// atomic, atomic relaxation and electro-atomic data. Lines are 80 columns
-  /// wide and numbered; numbers have no exponent letter.
+  /// wide and numbered; numbers have no exponent letter. Control columns that a
+  /// line of 66 to 79 columns lacks are read as 0.
   ///
   /// Throws std::runtime_error "Element ", `Name`, " not found" and for data of
   /// a layout or a size that it cannot use, std::out_of_range "invalid string
