@@ -26,6 +26,7 @@ std::string readSpectrum(std::string const& file, Config<double>& settings,
   Input input(file);
   std::ostringstream nothing;
   PHMCStream text(input.stream(), nothing, /*plain=*/false);
+  text.limitText(file);               // a hostile one must come to an end
   text.exceptions(std::ios::badbit);  // a broken packed file is no short one
   try {
     Grid::ReadGrid(text, grid, labels, settings, /*energiesOnly=*/false);

@@ -68,7 +68,12 @@ std::string readFile(GridConfig<T>& config, std::map<T const, T>& grid,
   if (!file) return "";
   std::ostringstream unused;
   PHMCStream text(file, unused, /*plain=*/true);
-  return Grid::ReadGrid(text, grid, labels, config, energiesOnly);
+  text.limitText(config.GridFile);  // a short hostile file must come to an end
+  std::string const comments =
+      Grid::ReadGrid(text, grid, labels, config, energiesOnly);
+  if (text.exceededLimit())
+    throw std::runtime_error("Packed text is too long: " + config.GridFile);
+  return comments;
 }
 
 template <class T>

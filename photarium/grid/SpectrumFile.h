@@ -63,7 +63,9 @@ std::string ReadGrid(std::istream& in, std::map<T const, T>& grid,
 /// from `EBin` up to `kVp`, or, for a `spectrum`, from half of `EBin` up to a
 /// fifth above `kVp`. `material` is not used.
 ///
-/// Throws what ReadGrid throws, and std::runtime_error "Unreasonable energy
+/// Throws what ReadGrid throws, std::runtime_error "Packed text is too long: "
+/// and the file's name for packed text beyond PHMCBuffer::plausibleText(),
+/// which for a pipe is 64 MiB, and std::runtime_error "Unreasonable energy
 /// resolution.\n" if `EBin` is not above 0, or "Energy grid of more than
 /// 10000000 nodes requested.\n" ahead of any allocation.
 template <class T>

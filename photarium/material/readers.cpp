@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <ios>
@@ -34,13 +35,6 @@ void appendRest(std::streambuf& in, std::string& text, std::size_t first,
     wanted = std::min(std::max(first, size), limit - size + 1);
   } while (true);
   text.resize(size);
-}
-
-// A packed text may stand for a multiple of its size. Databases reach ten; the
-// limits keep a short hostile input from filling the memory.
-std::size_t unpackedLimit(std::size_t packedSize) {
-  constexpr std::size_t least = std::size_t{64} << 20;
-  return std::max(least, 64 * packedSize);
 }
 
 // Devices may have no end.
@@ -97,11 +91,12 @@ bool readFile(std::string const& path, std::string& text) {
 
 void unpack(std::string& text) {
   if (!text.starts_with(PHMCBuffer::Header)) return;
-  std::size_t const limit = unpackedLimit(text.size());
+  // A short hostile input must not fill the memory.
+  std::uint64_t const limit = PHMCBuffer::plausibleText(text.size());
   std::istringstream packed(std::move(text));
   std::ostringstream unused;
   PHMCStream stream(packed, unused, /*plain=*/false);
+  stream.limitText(limit);
   text.clear();
-  appendRest(*stream.rdbuf(), text, std::size_t{1} << 16, limit);
-  if (text.size() > limit) throw std::runtime_error("Packed text is too long");
+  appendRest(*stream.rdbuf(), text, std::size_t{1} << 16);
 }

@@ -46,6 +46,6 @@ std::string_view remainingView(std::istream& in, std::string& storage);
 bool readFile(std::string const& path, std::string& text);
 
 /// Replaces a packed text by what it holds and leaves any other as it is.
-/// Throws std::runtime_error: the codec's text, or "Packed text is too long"
-/// where a short input stands for far more text than a database has.
+/// Throws the codec's std::runtime_error, also where a short input stands for
+/// far more text than a database has.
 void unpack(std::string& text);

@@ -101,7 +101,9 @@ PHMCBuffer::PHMCBuffer(PHMCBuffer const& other)
       lineSize(other.lineSize),
       aboveSize(other.aboveSize),
       rest(other.rest),
-      scanned(other.scanned) {
+      scanned(other.scanned),
+      textLeft(other.textLeft),
+      isTooLong(other.isTooLong) {
   std::copy(other.pbase(), other.pptr(), putArea);
   setp(putArea, putArea + PutSize);
   pbump(static_cast<int>(other.pptr() - other.pbase()));

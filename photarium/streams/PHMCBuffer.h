@@ -1,8 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <istream>
+#include <limits>
 #include <ostream>
 #include <streambuf>
 #include <string>
@@ -39,9 +41,10 @@
 /// nothing but its destruction, which never throws. A text that was refused
 /// stays without end code, so that nobody takes it for whole.
 ///
-/// A few bytes of packed input can stand for any amount of text; it is
-/// delivered piece by piece, and memory is bounded by two lines of at most
-/// `lineLimit` bytes. How much to read is up to the caller.
+/// A few bytes of packed input can stand for any amount of text. It is
+/// delivered piece by piece, and memory stays below five times the longest line
+/// (two lines, with room to grow). A line has at most `lineLimit` bytes, 1 GiB;
+/// who keeps or searches the text sets a limit of its own by limitText().
 ///
 /// One thread at a time. The object is large (two areas, 70 kB).
 class PHOTARIUM_EXPORT PHMCBuffer : public std::streambuf {
@@ -49,7 +52,8 @@ class PHOTARIUM_EXPORT PHMCBuffer : public std::streambuf {
   /// The magic, "PHMC": the first bytes of each packed stream.
   static std::string const Header;
 
-  /// State of one direction.
+  /// State of one direction, but for the sizes and runs that only the codec
+  /// itself needs.
   struct StreamState {
     unsigned int bits = 0;  // fetched, not yet taken, left-aligned; or
                             // collected, not yet written, right-aligned
@@ -79,6 +83,21 @@ class PHOTARIUM_EXPORT PHMCBuffer : public std::streambuf {
   /// call only flushes. If nothing was ever written nothing is.
   void close();
 
+  /// Text that packed input of `packedSize` bytes may be taken to hold at most:
+  /// 64 times its size, or 64 MiB if that is more. Tables reach ten times.
+  static constexpr std::uint64_t plausibleText(std::uint64_t packedSize) {
+    constexpr std::uint64_t least = std::uint64_t{64} << 20;
+    return std::max(least, 64 * packedSize);
+  }
+
+  /// From now on packed input gives at most `size` bytes of text, and no line
+  /// that could not fit. More ends in std::runtime_error "Packed text is too
+  /// long". There is no limit at first. Plain input has none.
+  void limitText(std::uint64_t size) { textLeft = size; }
+
+  /// True once that limit ended the text.
+  bool exceededLimit() const { return isTooLong; }
+
  protected:
   static std::string const CRLF;                      // the line end set
   static constexpr unsigned short RepeatCode = 5;     // opens a repeat prefix
@@ -96,11 +115,16 @@ class PHOTARIUM_EXPORT PHMCBuffer : public std::streambuf {
 
   /// Fills the get area. Throws std::runtime_error "Not enough bits in input!"
   /// where the input lacks its end code, "Repeat factor too large in input!"
-  /// and "Line too long in input!" for text that nobody can have packed.
+  /// and "Line too long in input!" for text that nobody can have packed, and
+  /// what limitText() has.
   int underflow() override;
 
   /// Flushes the put area by overflow(). The output itself is not flushed.
   int sync() override;
+
+  // The codec itself reads and writes several bits and whole texts at a time.
+  // extract(), escape(), newline() and outputString() are there for derived
+  // classes and tests.
 
   /// The next `nbits` bits of the input, 1 to 16. Throws std::runtime_error
   /// "Impossible number of bits requested!" or "Not enough bits in input!".
@@ -162,6 +186,7 @@ class PHOTARIUM_EXPORT PHMCBuffer : public std::streambuf {
   void deliver(std::size_t& used);
   void deliverRest(std::size_t& used);
   void reserveLine(std::size_t size);
+  void requireText(std::uint64_t more);
   template <class Add>
   static void addRun(std::uint64_t count, unsigned int code, int nbits,
                      Add add);
@@ -184,4 +209,7 @@ class PHOTARIUM_EXPORT PHMCBuffer : public std::streambuf {
   std::size_t rest = 0;       // bytes of the previous line, with its line feed,
                               // that found no room in the get area
   std::size_t scanned = 0;    // bytes of raw text known to hold no line end
+  // Text that may follow the last complete line.
+  std::uint64_t textLeft = std::numeric_limits<std::uint64_t>::max();
+  bool isTooLong = false;  // there was more
 };

@@ -301,6 +301,7 @@ void PHMCBuffer::deliver(std::size_t& used) {
     std::uint64_t copies = 1;
     if (readRun.symbol < Above) {
       copies = readRun.count;
+      requireText(copies);
       if (copies > lineLimit - lineSize)
         throw std::runtime_error("Line too long in input!");
       auto const size = static_cast<std::size_t>(copies);
@@ -327,6 +328,12 @@ void PHMCBuffer::reserveLine(std::size_t size) {
     reading.first.resize(size + StepReach + 64);
 }
 
+// Tests that the line under construction may have so many bytes more.
+void PHMCBuffer::requireText(std::uint64_t more) {
+  isTooLong = more > textLeft || lineSize > textLeft - more;
+  if (isTooLong) throw std::runtime_error("Packed text is too long");
+}
+
 void PHMCBuffer::outputString(std::string& s, std::size_t& used) {
   std::size_t const size = std::min(GetSize - used, s.size());
   s.copy(getArea + used, size);
@@ -335,6 +342,8 @@ void PHMCBuffer::outputString(std::string& s, std::size_t& used) {
 }
 
 void PHMCBuffer::outputLine(std::size_t& used) {
+  requireText(1);
+  textLeft -= lineSize + 1;
   reading.second.swap(reading.first);
   aboveSize = lineSize;
   lineSize = 0;

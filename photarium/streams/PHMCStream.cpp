@@ -1,6 +1,8 @@
 #include "photarium/streams/PHMCStream.h"
 
+#include <filesystem>
 #include <locale>
+#include <system_error>
 
 PHMCStream::PHMCStream(std::istream& source, std::ostream& target, bool plain)
     : std::iostream(nullptr), buffer(source, target, plain) {
@@ -23,6 +25,12 @@ PHMCStream::~PHMCStream() {
   } catch (...) {
     // The text was refused, and stays without its end code.
   }
+}
+
+void PHMCStream::limitText(std::string const& name) {
+  std::error_code unknown;
+  std::uint64_t const size = std::filesystem::file_size(name, unknown);
+  limitText(PHMCBuffer::plausibleText(unknown ? 0 : size));
 }
 
 void PHMCStream::close() {

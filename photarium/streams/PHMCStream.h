@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <fstream>
 #include <iostream>
 #include <string>
@@ -46,6 +47,17 @@ class PHOTARIUM_EXPORT PHMCStream : public std::iostream {
   /// flushed. A file that could not be written sets `badbit`. Throws what
   /// PHMCBuffer::close() throws.
   void close();
+
+  /// Limits the text of packed input as PHMCBuffer::limitText() does. What
+  /// exceeds it sets `badbit`, or throws as above.
+  void limitText(std::uint64_t size) { buffer.limitText(size); }
+
+  /// The same with PHMCBuffer::plausibleText() of the size of the file `name`,
+  /// which is 64 MiB where that has no size, as a pipe.
+  void limitText(std::string const& name);
+
+  /// True once that limit ended the text.
+  bool exceededLimit() const { return buffer.exceededLimit(); }
 
  private:
   std::fstream file;  // unopened on a pair of streams

@@ -16,7 +16,9 @@
 #include "photarium/config/GridConfig.h"
 #include "photarium/material/Material.h"
 #include "photarium/streams/PHMCStream.h"
+#include "tests/support/memory.h"
 #include "tests/support/messages.h"
+#include "tests/support/packed_bits.h"
 #include "tests/support/paths.h"
 
 namespace {
@@ -312,6 +314,27 @@ TEST(GenGrid, ReadsAPackedFile) {
   packed.close();
   EXPECT_EQ(fileText(file).substr(0, 4), "PHMC");
   EXPECT_EQ(Generated(file).grid, (Energies{{0.5, 100}, {1.5, 200}}));
+}
+
+TEST(GenGrid, RefusesAShortFileThatUnpacksWithoutEnd) {
+  ScratchFolder const folder;
+  long const before = peakMemory();
+  for (auto const& bytes : Endless::All) {
+    std::string const file = folder.write("grid.phc", bytes);
+    EXPECT_EQ(
+        messageOf<std::runtime_error>([&] { Generated const result(file); }),
+        "Packed text is too long: " + file);
+  }
+  EXPECT_LT(peakMemory() - before, 1L << 20);
+}
+
+TEST(GenGrid, TakesADamagedPackedFileForAShortOne) {
+  ScratchFolder const folder;
+  std::string const bits = "0001 1001100 0010 " + Bits::Above;
+  EXPECT_EQ(Generated(folder.write("grid.phc", stream(bits + Bits::End))).grid,
+            (Energies{{1, 2}}));
+  EXPECT_EQ(Generated(folder.write("grid.phc", stream(bits))).grid,
+            (Energies{{1, 0}, {2, 0}}));
 }
 
 TEST(GenGrid, GeneratesWhereTheFileHoldsCommentsOnly) {

@@ -9,6 +9,8 @@
 #include "photarium/material/Material.h"
 #include "photarium/streams/PHMCStream.h"
 #include "tests/material/elam_text.h"
+#include "tests/support/memory.h"
+#include "tests/support/packed_bits.h"
 #include "tests/support/paths.h"
 #include "tests/support/thrown.h"
 
@@ -169,17 +171,11 @@ TEST(Recogniser, RefusesAPackedTextThatIsCutAtAnyByte) {
 }
 
 TEST(Recogniser, RefusesAShortTextThatUnpacksWithoutEnd) {
-  // Repeat prefixes of factor 17, eight of them, ahead of a line feed: 7e9
-  // line feeds in twelve bytes.
-  std::string bits;
-  for (int i = 0; i < 8; ++i) bits += "1011111";
-  bits += "10010";
-  bits.resize(64, '0');
-  std::string text = "PHMC";
-  for (std::size_t i = 0; i < bits.size(); i += 8)
-    text += static_cast<char>(std::stoi(bits.substr(i, 8), nullptr, 2));
-  EXPECT_EQ(thrown<std::runtime_error>([&] { normalised(text); }),
-            "Packed text is too long");
+  long const before = peakMemory();
+  for (auto const& text : Endless::All)
+    EXPECT_EQ(thrown<std::runtime_error>([&] { normalised(text); }),
+              "Packed text is too long");
+  EXPECT_LT(peakMemory() - before, 1L << 20);
 }
 
 TEST_F(Database, FillsAnElement) {

@@ -1,18 +1,11 @@
 // A few bytes of input that stand for a great deal of text.
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include "tests/streams/packed_support.h"
+#include "tests/support/memory.h"
 
 namespace {
-
-// Prefixes of factor 17.
-std::string prefixes(int count) {
-  std::string bits;
-  for (int i = 0; i < count; ++i) bits += "1011111";
-  return bits;
-}
 
 class Reader {
  public:
@@ -38,13 +31,6 @@ class Reader {
   std::ostringstream out;
   OpenBuffer buffer;
 };
-
-// Most memory that the process ever had [kB].
-long peakMemory() {
-  rusage usage;
-  getrusage(RUSAGE_SELF, &usage);
-  return usage.ru_maxrss;
-}
 
 TEST(PHMCBufferHostile, DeliversAnEndlessRunOfLinesPieceByPiece) {
   // 17^15 line feeds.
@@ -92,6 +78,58 @@ TEST(PHMCBufferHostile, RefusesALineThatGrowsBeyondTheLimit) {
   Reader tooLong(stream(bits + Bits::Above + Bits::End));
   tooLong.buffer.lineLimit = 28899;
   EXPECT_EQ(tooLong.failure(), "Line too long in input!");
+}
+
+TEST(PHMCBufferHostile, EndsTextAtItsLimit) {
+  std::string const bytes = packed("1\n234\n234\n\n");
+  for (std::size_t const limit : {11u, 12u, 1000u}) {
+    Reader fitting(bytes);
+    fitting.buffer.limitText(limit - 1);
+    fitting.buffer.limitText(limit);
+    EXPECT_EQ(fitting.failure(), "no failure") << limit;
+    EXPECT_FALSE(fitting.buffer.exceededLimit());
+  }
+  for (std::size_t const limit : {0u, 1u, 2u, 4u, 5u, 6u, 9u, 10u}) {
+    Reader tooLong(bytes);
+    tooLong.buffer.limitText(limit);
+    EXPECT_EQ(tooLong.failure(), "Packed text is too long") << limit;
+    EXPECT_TRUE(tooLong.buffer.exceededLimit());
+  }
+}
+
+TEST(PHMCBufferHostile, EndsEndlessTextAtItsLimit) {
+  long const before = peakMemory();
+  for (auto const& bytes : Endless::All) {
+    Reader reader(bytes);
+    reader.buffer.limitText(1 << 22);
+    EXPECT_EQ(reader.failure(), "Packed text is too long");
+    EXPECT_TRUE(reader.buffer.exceededLimit());
+  }
+  EXPECT_LT(peakMemory() - before, 64 * 1024);
+}
+
+TEST(PHMCBufferHostile, KeepsTheLimitInACopy) {
+  Reader reader(Endless::LineFeeds);
+  reader.buffer.limitText(100000);
+  EXPECT_EQ(reader.read(10), std::string(10, '\n'));
+  PHMCBuffer copy(reader.buffer);
+  std::string text(100000, '\0');
+  EXPECT_THROW(copy.sgetn(text.data(), 100000), std::runtime_error);
+  EXPECT_TRUE(copy.exceededLimit());
+}
+
+TEST(PHMCBufferHostile, HasNoLimitForPlainText) {
+  Reader reader(std::string(100000, 'x'));
+  reader.buffer.limitText(10);
+  EXPECT_EQ(reader.read(200000).size(), 100000u);
+  EXPECT_FALSE(reader.buffer.exceededLimit());
+}
+
+TEST(PHMCBufferHostile, TakesASixtyfourfoldTextForPlausible) {
+  std::uint64_t const mebibyte = 1 << 20;
+  EXPECT_EQ(PHMCBuffer::plausibleText(0), 64 * mebibyte);
+  EXPECT_EQ(PHMCBuffer::plausibleText(mebibyte), 64 * mebibyte);
+  EXPECT_EQ(PHMCBuffer::plausibleText(2 * mebibyte), 128 * mebibyte);
 }
 
 TEST(PHMCBufferHostile, DeliversLongLinesThatRepeat) {

@@ -1,5 +1,6 @@
 #include "photarium/streams/PHMCStream.h"
 
+#include <limits>
 #include <locale>
 
 #include "tests/streams/packed_support.h"
@@ -212,6 +213,36 @@ TEST(PHMCStream, ThrowsOnABrokenFileIfItsMaskHoldsBadbit) {
     FAIL() << "accepted";
   } catch (std::runtime_error const& failure) {
     EXPECT_STREQ(failure.what(), "Not enough bits in input!");
+  }
+}
+
+TEST(PHMCStream, SetsBadbitBeyondTheLimitOfItsText) {
+  std::istringstream in(packed("1\n2\n"));
+  std::ostringstream out;
+  PHMCStream stream(in, out);
+  stream.limitText(3);
+  std::string line;
+  EXPECT_FALSE(std::getline(stream, line));
+  EXPECT_TRUE(stream.bad());
+  EXPECT_TRUE(stream.exceededLimit());
+}
+
+TEST(PHMCStream, LimitsItsTextByTheSizeOfAFile) {
+  ScratchFolder const folder;
+  // 72 MB of text need a file of a little more than 1 MB.
+  std::string const bytes =
+      stream(prefixes(4) + "0111" + Bits::Above + prefixes(6) + "1010001" +
+             Bits::Above + Bits::End);
+  std::string const small = folder.write("small.phc", bytes);
+  std::string const large =
+      folder.write("large.phc", bytes + std::string(1200000, ' '));
+  std::ostringstream out;
+  for (std::string const& name : {small, large, std::string("none")}) {
+    std::istringstream in(bytes);
+    PHMCStream text(in, out);
+    text.limitText(name);
+    text.ignore(std::numeric_limits<std::streamsize>::max());
+    EXPECT_EQ(text.exceededLimit(), name != large) << name;
   }
 }
 

@@ -8,31 +8,7 @@
 
 #include "photarium/streams/PHMCBuffer.h"
 #include "tests/support/PlainCodec.h"
-
-/// The codes of the format, as the tests write them.
-namespace Bits {
-inline std::string const End = "10011100011010";
-inline std::string const Above = "11";
-inline std::string const LineFeed = "10010";
-inline std::string const Escape = "100111";
-}  // namespace Bits
-
-/// Bytes of the bits in `text`, filled up with zeros; blanks do not count.
-inline std::string bytesOf(std::string const& text) {
-  std::string bytes;
-  int count = 0;
-  for (char c : text) {
-    if (c == ' ') continue;
-    if (count++ % 8 == 0) bytes += '\0';
-    if (c == '1') bytes.back() = char(bytes.back() | 0x80 >> (count - 1) % 8);
-  }
-  return bytes;
-}
-
-/// A packed stream of these bits, without an end code of its own.
-inline std::string stream(std::string const& bits) {
-  return "PHMC" + bytesOf(bits);
-}
+#include "tests/support/packed_bits.h"
 
 /// `text` packed in one go.
 inline std::string packed(std::string const& text) {
