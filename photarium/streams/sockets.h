@@ -126,6 +126,8 @@ inline void prepare(Native) {}
 class Addresses {
  public:
   Addresses(std::string const& host, std::string const& port) {
+    // The system would take the part ahead of a NUL for the name.
+    if (host.find('\0') != host.npos || port.find('\0') != port.npos) return;
     addrinfo hints{};
     hints.ai_socktype = SOCK_STREAM;
     hints.ai_protocol = IPPROTO_TCP;

@@ -103,6 +103,16 @@ TEST(IPCBuf, EndsTheHostAtTheFirstColon) {
   EXPECT_EQ(failureOf("127.0.0.1:12:34"), "Host 127.0.0.1:12:34 not found.\n");
 }
 
+TEST(IPCBuf, FindsNoHostOrPortWithANul) {
+  Listener listener;
+  std::string const nul(1, '\0');
+  // The text of an exception ends at the NUL.
+  EXPECT_EQ(failureOf("127.0.0.1" + nul + ":" + listener.port()),
+            "Host 127.0.0.1");
+  EXPECT_EQ(failureOf("127.0.0.1:" + listener.port() + nul + "1"),
+            "Host 127.0.0.1:" + listener.port());
+}
+
 TEST(IPCBuf, TellsOfAServiceThatIsUnknown) {
   EXPECT_EQ(failureOf("127.0.0.1:no-such-service"),
             "Host 127.0.0.1:no-such-service not found.\n");
