@@ -154,20 +154,22 @@ void parseRows(std::type_identity_t<std::span<Row<C, T> const>> rows,
 }
 
 /// Takes "count" as a signed number and calls `apply` with its absolute value,
-/// 1 for 0, and whether it is negative. A number above the limit is a finding,
-/// which names `what` is counted.
+/// 1 for 0, and whether it is negative. Nothing but a finding comes of a text
+/// that is no number, or of a number above the limit, whose finding names
+/// `what` is counted.
 template <class Apply>
 void parseCount(Value& value, std::string const& what, Findings& findings,
                 Apply const& apply) {
   std::int64_t number = 0;
   value.extract(number);
+  if (value.failed()) return;
   bool const isNegative = number < 0;
   auto const given = static_cast<std::uint64_t>(number);
   std::uint64_t const count = isNegative ? 0 - given : given;
   constexpr std::uint64_t most = Config<double>::MaxCount;
   if (count <= most)
     apply(count == 0 ? 1 : count, isNegative);
-  else if (!value.failed())
+  else
     findings.soft("More than " + std::to_string(most) + " " + what +
                   ": count=" + value.text() + "\n");
 }

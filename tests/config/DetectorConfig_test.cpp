@@ -93,6 +93,17 @@ TEST(DetectorConfig, ReadsEveryKey) {
   EXPECT_EQ(settings.Time, 3);
 }
 
+TEST(DetectorConfig, ReportsFindingsOfItsBasesInOrder) {
+  Detector settings;
+  EXPECT_EQ(
+      findings(settings,
+               {{"density", "x"}, {"fano", "x"}, {"norm", "x"}, {"time", "x"}}),
+      "Problem parsing: time=x\n"
+      "Problem parsing: norm=x\n"
+      "Problem parsing: density=x\n"
+      "Problem parsing: fano=x\n");
+}
+
 TEST(DetectorConfig, InvertsWithANegativeCount) {
   Detector settings;
   settings.apply({{"count", "-2"}});
@@ -128,8 +139,18 @@ TEST(DetectorConfig, HasOneElementAtLeast) {
   Detector settings;
   settings.apply({{"count", "0"}});
   EXPECT_EQ(settings.Count, 1U);
-  EXPECT_EQ(findings(settings, {{"count", "x"}}), "Problem parsing: count=x\n");
-  EXPECT_EQ(settings.Count, 1U);
+}
+
+TEST(DetectorConfig, KeepsItsElementsWhereTheCountIsNoNumber) {
+  for (std::string const text : {"", " ", "x", "99999999999999999999"}) {
+    Detector settings = with({{"count", "-3"}, {"thickness", "1;2;3"}});
+    EXPECT_EQ(findings(settings, {{"count", text}}),
+              "Problem parsing: count=" + text + "\n");
+    EXPECT_EQ(settings.Count, 3U);
+    EXPECT_EQ(settings.Thickness, (Numbers{1, 2, 3}));
+    EXPECT_EQ(settings.Steps.size(), 3U);
+    EXPECT_TRUE(settings.Inverse);
+  }
 }
 
 TEST(DetectorConfig, HasALargestCount) {
