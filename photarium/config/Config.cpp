@@ -134,7 +134,7 @@ void Config<T>::read(SectionMap& data, bool optional) {
                              "\n");
   }
   try {
-    Settings::parseConfigText(*text, DefaultSection, data);
+    Settings::parseConfigText(*text, DefaultSection, MaxEntries, data);
   } catch (std::exception const& failure) {
     throw std::runtime_error(failure.what() + (" while reading " + ConfigFile) +
                              "\n");

@@ -54,7 +54,9 @@ PHOTARIUM_EXPORT std::vector<std::string> OptionKeys(
 /// "--section" or else the program's default section, and the command line. A
 /// section includes others by its entries "sections" and "section"; they are
 /// applied ahead of it. Within a section keys apply in the order of their
-/// bytes.
+/// bytes. A file is looked for below the directory; where none is given, the
+/// name's part ahead of its last slash becomes the directory, so that "/a.cfg"
+/// is "a.cfg" with no directory: a file in the root needs "--directory=/".
 ///
 /// Classes with fields of their own override parse(), write(), check() and
 /// settings(); each names the order of its bases. An object belongs to one
@@ -63,12 +65,19 @@ template <class T>
 class Config {
  public:
   /// Largest number of layers or detector elements that "count" accepts. A
-  /// larger one is a finding and changes nothing.
+  /// larger one is a finding and changes nothing. A file may have it applied
+  /// MaxRepeats times, which takes seconds with this limit.
   static constexpr std::size_t MaxCount = 10000;
 
   /// Largest config file [bytes]. A larger one ends in std::runtime_error
   /// "Config file too large: " and its name.
   static constexpr std::size_t MaxFileSize = std::size_t{1} << 28;
+
+  /// Most entries of a config file, its section headers included. More of them
+  /// end in std::runtime_error "More than 1000000 entries while reading " and
+  /// the file's name, so that memory stays bounded where each takes but a few
+  /// bytes of the file.
+  static constexpr std::size_t MaxEntries = 1000000;
 
   /// Sections that include each other may ask for a list that grows
   /// exponentially with the file. Each section is applied once for free; more
@@ -103,6 +112,10 @@ class Config {
   /// Applies the arguments behind the first, which names the program, on top of
   /// the config file. `section` names the program's default section, empty for
   /// none.
+  ///
+  /// A second call adds to the `Sections` of the first. The command line is one
+  /// of them, "CmdLine": a call without options behind one with options, on the
+  /// same object, ends in "Section CmdLine not found!\n".
   ///
   /// Always returns true. Throws std::runtime_error with the text for the user
   /// on wrong arguments, on "--help", and where the config file or a section

@@ -4,7 +4,6 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "photarium/config/Config.h"
 #include "photarium/foundation/text.h"
 
 namespace Settings {

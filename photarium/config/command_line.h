@@ -1,16 +1,17 @@
 #pragma once
 
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "photarium/config/Config.h"
 
 namespace Settings {
 
 /// What a command line asks for.
 struct CommandLine {
-  std::map<std::string, std::string> options;  // keys in lower case
-  std::vector<std::string> sections;           // of each "--section"
+  OptionMap options;                  // keys in lower case
+  std::vector<std::string> sections;  // of each "--section"
   std::optional<std::string> directory;
   std::optional<std::string> file;
   std::vector<std::string> keys;  // of all options in order

@@ -12,8 +12,7 @@ namespace Settings {
 namespace {
 
 // Stores "name = value". The second word stands for the "=", whatever it is.
-void parseEntry(std::string_view line,
-                std::map<std::string, std::string>& entries) {
+void parseEntry(std::string_view line, OptionMap& entries) {
   std::string const key = ::tolower(std::string(extractWord(line)));
   extractWord(line);
   entries[key] = trimmed(trimmed(line), "\"");
@@ -56,15 +55,20 @@ std::optional<std::string> readConfigFile(std::string const& path,
   return text;
 }
 
-void parseConfigText(
-    std::string_view text, std::string const& section,
-    std::map<std::string, std::map<std::string, std::string>>& data) {
+void parseConfigText(std::string_view text, std::string const& section,
+                     std::size_t limit, SectionMap& data) {
   auto* entries = &data[section];
+  std::size_t left = limit;
   while (!text.empty()) {
     std::string_view const line = takeLine(text);
     if (line.empty()) continue;
     if (line[0] == '[') entries = &data[std::string(sectionName(line))];
+    std::size_t const before = entries->size();
     parseEntry(line, *entries);
+    if (entries->size() == before) continue;
+    if (left-- == 0)
+      throw std::runtime_error("More than " + std::to_string(limit) +
+                               " entries");
   }
 }
 

@@ -1,10 +1,11 @@
 #pragma once
 
 #include <cstddef>
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "photarium/config/Config.h"
 
 namespace Settings {
 
@@ -17,9 +18,9 @@ std::optional<std::string> readConfigFile(std::string const& path,
 
 /// Reads the text of a config file into the entries of each section, those
 /// ahead of the first header into `section`. Of equal keys the last one wins.
-/// Throws std::runtime_error where a header has no "]".
-void parseConfigText(
-    std::string_view text, std::string const& section,
-    std::map<std::string, std::map<std::string, std::string>>& data);
+/// Throws std::runtime_error where a header has no "]", and where there are
+/// more than `limit` entries.
+void parseConfigText(std::string_view text, std::string const& section,
+                     std::size_t limit, SectionMap& data);
 
 }  // namespace Settings

@@ -1,5 +1,6 @@
 #include "photarium/config/sections.h"
 
+#include <optional>
 #include <stdexcept>
 #include <string_view>
 #include <unordered_map>
@@ -11,17 +12,33 @@ namespace Settings {
 
 namespace {
 
-// The names that a section includes, in the order in which they apply.
-std::vector<std::string> includedBy(OptionMap const& options) {
-  std::vector<std::string> names;
-  auto const list = options.find("sections");
-  if (list != options.end())
-    split(names, list->second.substr(0, list->second.find('\n')), ",;",
-          /*keepEmpty=*/true);
-  auto const single = options.find("section");
-  if (single != options.end()) names.push_back(single->second);
-  return names;
-}
+// The names that a section includes, in the order in which they apply. They
+// are cut one by one: far more than the limits admit may fit a file.
+class Includes {
+ public:
+  explicit Includes(OptionMap const& options) {
+    auto const list = options.find("sections");
+    if (list != options.end()) list_ = firstLine(list->second);
+    auto const single = options.find("section");
+    if (single != options.end()) single_ = single->second;
+  }
+
+  // None behind the last.
+  std::optional<std::string_view> next() {
+    if (!list_) return std::exchange(single_, std::nullopt);
+    std::size_t const end = list_->find_first_of(ListDelimiters);
+    std::string_view const name = list_->substr(0, end);
+    if (end == std::string_view::npos)
+      list_.reset();
+    else
+      list_->remove_prefix(end + 1);
+    return name;
+  }
+
+ private:
+  std::optional<std::string_view> list_;
+  std::optional<std::string_view> single_;
+};
 
 std::size_t textSize(std::string const& name, OptionMap const& options) {
   std::size_t size = name.size();
@@ -40,13 +57,15 @@ class Flattener {
   }
 
   std::vector<std::string> flatten(std::vector<std::string> const& sections) {
-    stack_.push_back({nullptr, sections, 0});
-    while (!stack_.empty()) {
-      Level& level = stack_.back();
-      if (level.next < level.names.size())
-        enter(level.names[level.next++]);
-      else
-        leave();
+    for (auto const& section : sections) {
+      enter(section);
+      while (!stack_.empty()) {
+        auto const name = stack_.back().includes.next();
+        if (name)
+          enter(std::string(*name));
+        else
+          leave();
+      }
     }
     return std::move(merged_);
   }
@@ -55,9 +74,8 @@ class Flattener {
   using Section = SectionMap::value_type;
 
   struct Level {
-    Section const* section;  // null above the first
-    std::vector<std::string> names;
-    std::size_t next;
+    Section const* section;
+    Includes includes;
   };
 
   struct State {
@@ -75,13 +93,12 @@ class Flattener {
       return;
     }
     state.isOpen = true;
-    stack_.push_back({&*found, includedBy(found->second), 0});
+    stack_.push_back({&*found, Includes(found->second)});
   }
 
   void leave() {
     Section const* const section = stack_.back().section;
     stack_.pop_back();
-    if (section == nullptr) return;
     state_[section->first].isOpen = false;
     merge(*section);
   }

@@ -46,8 +46,7 @@ class Value {
   /// size keeps it. Throws std::runtime_error for a field that is no number.
   template <class V>
   void extract(std::vector<V>& field) {
-    std::string const& text = lower();
-    split(field, text.substr(0, text.find('\n')), ",;", /*keepEmpty=*/true);
+    splitLine(field, lower());
   }
 
   /// Enumerations throw the std::runtime_error of their reader.

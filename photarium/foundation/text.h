@@ -67,13 +67,28 @@ PHOTARIUM_EXPORT void split(std::vector<std::string>& out,
                             std::string const& text,
                             std::string const& delimiters, bool keepEmpty);
 
-/// Reads one line and splits it at "," and ";" into `values`, with empty
+/// The bytes between the fields of a list.
+inline constexpr char const* ListDelimiters = ",;";
+
+/// `text` up to its first line feed.
+inline std::string_view firstLine(std::string_view text) {
+  return text.substr(0, text.find('\n'));
+}
+
+/// Splits the first line of `text` at "," and ";" into `values`, with empty
 /// fields. A vector of numbers that has a size keeps it, as in split().
+template <class T>
+void splitLine(std::vector<T>& values, std::string_view text) {
+  split(values, std::string(firstLine(text)), ListDelimiters,
+        /*keepEmpty=*/true);
+}
+
+/// Reads one line into `values` as splitLine() does.
 template <class T>
 std::istream& operator>>(std::istream& in, std::vector<T>& values) {
   std::string line;
   std::getline(in, line);
-  split(values, line, ",;", /*keepEmpty=*/true);
+  splitLine(values, line);
   return in;
 }
 

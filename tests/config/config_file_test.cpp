@@ -1,6 +1,7 @@
 #include <unistd.h>
 
 #include "tests/config/open.h"
+#include "tests/support/memory.h"
 
 namespace {
 
@@ -100,6 +101,15 @@ TEST(ConfigFile, SplitsItsNameAtTheLastSlash) {
   EXPECT_EQ(settings.ConfigFile, "a.cfg");
 }
 
+TEST(ConfigFile, LosesTheRootOfItsName) {
+  Open<Recorder> settings;
+  settings.ConfigFile = "/a.cfg";
+  SectionMap data;
+  settings.read(data, /*optional=*/true);
+  EXPECT_EQ(settings.Directory, "");
+  EXPECT_EQ(settings.ConfigFile, "a.cfg");
+}
+
 TEST(ConfigFile, SplitsItsNameAtABackslash) {
   Open<Recorder> settings;
   settings.ConfigFile = "nowhere\\a.cfg";
@@ -192,6 +202,33 @@ TEST(ConfigFile, HasALargestSize) {
   std::string const path = folder.write("a.cfg", "");
   std::filesystem::resize_file(path, Config<double>::MaxFileSize + 1);
   EXPECT_EQ(failureOf("", path), "Config file too large: a.cfg\n");
+}
+
+TEST(ConfigFile, HasALargestNumberOfEntries) {
+  ScratchFolder const folder;
+  std::size_t const most = Config<double>::MaxEntries;
+  std::string text = "a = 1\n";
+  for (std::size_t i = 1; i < most; ++i) text += std::to_string(i) + '\n';
+  std::string const path = folder.write("a.cfg", text + "a = 2\n1\n");
+  Open<Recorder> settings;
+  settings.ConfigFile = path;
+  SectionMap data;
+  settings.read(data, /*optional=*/false);
+  EXPECT_EQ(data["General"].size(), most);
+  folder.write("a.cfg", text + "[x]\n");
+  EXPECT_EQ(failureOf("", path),
+            "More than 1000000 entries while reading a.cfg\n");
+}
+
+TEST(ConfigFile, OfManyShortEntriesTakesLittleMemory) {
+  ScratchFolder const folder;
+  std::string text;
+  for (int i = 0; i < 3'000'000; ++i) text += std::to_string(i) + '\n';
+  std::string const path = folder.write("a.cfg", text);
+  long const before = peakMemory();
+  EXPECT_EQ(failureOf("", path),
+            "More than 1000000 entries while reading a.cfg\n");
+  EXPECT_LT(peakMemory() - before, 300 * 1024);
 }
 
 TEST(ConfigFile, MayBePresetAndMissing) {

@@ -2,6 +2,7 @@
 #include <random>
 
 #include "tests/config/open.h"
+#include "tests/support/memory.h"
 
 namespace {
 
@@ -28,7 +29,7 @@ class Sections : public testing::Test {
   ScratchFolder folder_;
 };
 
-// The list as the rules state it, by plain recursion.
+// The list by plain recursion.
 void flattenPlainly(SectionMap const& data, Words& sections,
                     Words const& ancestors) {
   Words merged;
@@ -154,6 +155,12 @@ TEST_F(Sections, AddToThoseOfAFormerCall) {
   EXPECT_EQ(settings.Sections, (Words{"General", "General", "a"}));
 }
 
+TEST_F(Sections, KeepTheCommandLineOfAFormerCall) {
+  EXPECT_TRUE(settings.config("--n line", ""));
+  EXPECT_EQ(thrown<std::runtime_error>([&] { settings.config("", ""); }),
+            "Section CmdLine not found!\n");
+}
+
 TEST_F(Sections, EndWithAFinding) {
   file("[a]\ntime = x\n[b]\ntime = 7\n");
   Root root;
@@ -215,6 +222,18 @@ TEST_F(Sections, MustNotRepeatWithoutLimit) {
   }
 }
 
+TEST_F(Sections, OfAnEndlessListTakeNoMemory) {
+  // 25 million names.
+  std::string list;
+  for (int i = 0; i < 25'000'000; ++i) list += "b,";
+  file("[a]\nsections = " + list + "b\n[b]\n");
+  long const before = peakMemory();
+  EXPECT_EQ(
+      thrown<std::runtime_error>([&] { settings.config("--section a", ""); }),
+      "Sections repeated too often!\n");
+  EXPECT_LT(peakMemory() - before, 400 * 1024);
+}
+
 TEST_F(Sections, MustNotRepeatALongTextWithoutLimit) {
   file(doubling(10) + "n = " + std::string(1'000'000, 'x') + "\n");
   EXPECT_EQ(
@@ -222,7 +241,7 @@ TEST_F(Sections, MustNotRepeatALongTextWithoutLimit) {
       "Sections repeated too often!\n");
 }
 
-TEST_F(Sections, FlattenAsTheRulesSay) {
+TEST_F(Sections, FlattenAsAPlainRecursionDoes) {
   std::mt19937 random(11);
   for (int round = 0; round < 300; ++round) {
     SectionMap data;
