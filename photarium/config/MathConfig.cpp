@@ -47,7 +47,7 @@ std::vector<Setting> MathConfig<T>::settings(bool chain) const {
 template <class T>
 void MathConfig<T>::check() {
   Findings findings;
-  Bases<Config<T>, GridConfig<T>>::check(*this, findings);
+  Ahead<T>::check(*this, findings);
   findings.report();
 }
 

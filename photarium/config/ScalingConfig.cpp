@@ -13,7 +13,6 @@ using Settings::Bases;
 using Settings::Findings;
 using Settings::Format;
 using Settings::Row;
-using Settings::Value;
 
 template <class T>
 constexpr Row<ScalingConfig, T> Rows[] = {

@@ -38,6 +38,17 @@ TEST(DistributionConfig, ReadsEveryKey) {
   EXPECT_EQ(settings.Time, 3);
 }
 
+TEST(DistributionConfig, ReportsFindingsOfItsBasesInOrder) {
+  Distribution settings;
+  EXPECT_EQ(
+      findings(settings,
+               {{"cubic", "x"}, {"density", "x"}, {"kvp", "x"}, {"time", "x"}}),
+      "Problem parsing: time=x\n"
+      "Problem parsing: kvp=x\n"
+      "Problem parsing: density=x\n"
+      "Problem parsing: cubic=x\n");
+}
+
 TEST(DistributionConfig, WarnsOfFewStepsAndHas11AtLeast) {
   Distribution settings = with({{"steps", "5"}});
   EXPECT_EQ(corrections(settings),

@@ -51,6 +51,20 @@ TEST(FilterConfig, ReadsEveryKey) {
   EXPECT_EQ(settings.Time, 5);
 }
 
+TEST(FilterConfig, ReportsFindingsOfItsBasesInOrder) {
+  Filter settings;
+  EXPECT_EQ(findings(settings, {{"angle-in", "x"},
+                                {"coverage", "x"},
+                                {"density", "x"},
+                                {"norm", "x"},
+                                {"time", "x"}}),
+            "Problem parsing: time=x\n"
+            "Problem parsing: norm=x\n"
+            "Problem parsing: angle-in=x\n"
+            "Problem parsing: density=x\n"
+            "Problem parsing: coverage=x\n");
+}
+
 TEST(FilterConfig, KnowsComptonAsIncoherent) {
   Filter settings;
   settings.apply({{"compton", "true"}});

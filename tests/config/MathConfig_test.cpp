@@ -28,6 +28,14 @@ TEST(MathConfig, ReadsEveryKey) {
   EXPECT_EQ(settings.Time, 6);
 }
 
+TEST(MathConfig, ReportsFindingsOfItsBasesInOrder) {
+  Arithmetic settings;
+  EXPECT_EQ(findings(settings, {{"cubic", "x"}, {"kvp", "x"}, {"time", "x"}}),
+            "Problem parsing: time=x\n"
+            "Problem parsing: kvp=x\n"
+            "Problem parsing: cubic=x\n");
+}
+
 TEST(MathConfig, ThrowsOnAnUnknownOperation) {
   Arithmetic settings;
   for (std::string const text : {"none", "", "plus"})

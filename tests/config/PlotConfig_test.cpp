@@ -63,6 +63,20 @@ TEST(PlotConfig, ReadsEveryKey) {
   EXPECT_EQ(settings.Time, 2);
 }
 
+TEST(PlotConfig, ReportsFindingsOfItsBasesInOrder) {
+  Plot settings;
+  EXPECT_EQ(findings(settings, {{"angle-in", "x"},
+                                {"density", "x"},
+                                {"kvp", "x"},
+                                {"pce", "x"},
+                                {"time", "x"}}),
+            "Problem parsing: time=x\n"
+            "Problem parsing: kvp=x\n"
+            "Problem parsing: angle-in=x\n"
+            "Problem parsing: density=x\n"
+            "Problem parsing: pce=x\n");
+}
+
 TEST(PlotConfig, HoldsThePairCreationEnergyInKiloelectronvolts) {
   Plot settings;
   settings.apply({{"pce", "4.43"}});

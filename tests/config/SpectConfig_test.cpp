@@ -60,6 +60,31 @@ TEST(SpectConfig, ReadsEveryKey) {
   EXPECT_EQ(settings.Time, 5);
 }
 
+TEST(SpectConfig, ReportsFindingsOfItsBasesInOrder) {
+  Spect settings;
+  EXPECT_EQ(findings(settings, {{"angle-in", "x"},
+                                {"current", "x"},
+                                {"density", "x"},
+                                {"kvp", "x"},
+                                {"norm", "x"},
+                                {"time", "x"}}),
+            "Problem parsing: time=x\n"
+            "Problem parsing: kvp=x\n"
+            "Problem parsing: norm=x\n"
+            "Problem parsing: angle-in=x\n"
+            "Problem parsing: density=x\n"
+            "Problem parsing: current=x\n");
+}
+
+TEST(SpectConfig, TurnsAnglesStraightForTransmission) {
+  Spect both = with({{"transmission", "true"}});
+  EXPECT_EQ(both.AngleIn, 90);
+  EXPECT_EQ(both.AngleOut, 90);
+  Spect one = with({{"angle-in", "30"}, {"transmission", "true"}});
+  EXPECT_EQ(one.AngleIn, 30);
+  EXPECT_EQ(one.AngleOut, 90);
+}
+
 TEST(SpectConfig, PrintsOnlyTheFileOfTheModelEdtf) {
   Spect settings;
   settings.apply({{"bsmodel", "EDTF"}, {"ndepth", "7"}, {"edtffile", "E.f"}});

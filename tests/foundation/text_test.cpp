@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-#include <locale>
 #include <stdexcept>
 
 #include "photarium/foundation/warning.h"
