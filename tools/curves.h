@@ -8,7 +8,7 @@
 
 namespace Tool {
 
-/// The nodes of a curve as it prints them, range by range.
+/// The nodes of all ranges of a curve as plain numbers.
 std::vector<std::pair<double, double>> nodesOf(
     AttenuationCoeff<double> const& curve);
 

@@ -464,6 +464,25 @@ void AttenuationCoeff<T>::sqrt() {
 }
 
 template <class T>
+std::vector<typename AttenuationCoeff<T>::Stretch> AttenuationCoeff<T>::nodes()
+    const {
+  std::vector<Stretch> stretches;
+  stretches.reserve(ranges_.size());
+  for (Range const& range : ranges_) {
+    Points points;
+    withSpline(range.spline, [&](auto const& spline) {
+      points.reserve(spline.records().size());
+      for (auto const& node : spline.records())
+        points.emplace_back(plainEnergy(range.type, node.first),
+                            plainValue(range.type, ordinate(node)));
+    });
+    stretches.push_back(
+        {std::move(points), range.type, range.spline.index() == 1});
+  }
+  return stretches;
+}
+
+template <class T>
 std::map<T, T> AttenuationCoeff<T>::Discontinuities() const try {
   std::map<T, T> ratios;
   auto const valueIn = [](Range const& range, T const& x) {
@@ -498,15 +517,12 @@ void AttenuationCoeff<T>::eraseData(T const& key) {
 template <class T>
 std::ostream& operator<<(std::ostream& out, AttenuationCoeff<T> const& curve) {
   out << std::scientific << std::setprecision(6);
-  out << "# " << curve.ranges_.size() << " edges\n";
-  for (auto const& range : curve.ranges_) {
-    withSpline(range.spline, [&](auto const& spline) {
-      out << "# " << spline.records().size() << " nodes "
-          << LawNames[range.type - 1] << '\n';
-      for (auto const& node : spline.records())
-        out << plainEnergy(range.type, node.first) << '\t'
-            << plainValue(range.type, ordinate(node)) << '\n';
-    });
+  auto const ranges = curve.nodes();
+  out << "# " << ranges.size() << " edges\n";
+  for (auto const& [points, law, isCubic] : ranges) {
+    out << "# " << points.size() << " nodes " << LawNames[law - 1] << '\n';
+    for (auto const& [energy, value] : points)
+      out << energy << '\t' << value << '\n';
   }
   return out;
 }

@@ -43,7 +43,7 @@ class AttenuationCoeff {
   /// Points of energy and value.
   using Points = std::vector<std::pair<T, T>>;
 
-  /// Input: points, their law, and whether cubic splines are wanted.
+  /// Points, their law, and whether their splines are cubic.
   using Stretch = triple<Points, Interpolation, bool>;
   using MapStretch = triple<std::multimap<T, T>, Interpolation, bool>;
 
@@ -123,22 +123,16 @@ class AttenuationCoeff {
   /// ahead of it are converted then, the others are not.
   void sqrt();
 
+  /// The nodes as plain numbers, range by range. Allocates; made for printing.
+  ///
+  ///     for (auto const& [points, law, isCubic] : curve.nodes())
+  ///       for (auto const& [energy, value] : points) ...
+  std::vector<Stretch> nodes() const;
+
   /// The energy at which each range begins, with the ratio of the values there
   /// by its own and by the preceding spline; 0 for the first range. Throws a
   /// warning "Couldn't determine jump ratio: " and the cause if that fails.
   std::map<T, T> Discontinuities() const;
-
-  /// Prints the nodes as plain numbers, range by range:
-  ///
-  ///     # 1 edges
-  ///     # 2 nodes LogLog
-  ///     1.000000e+00<tab>2.000000e+00
-  ///     1.000000e+01<tab>2.000000e-02
-  ///
-  /// Leaves `out` at scientific notation with a precision of 6.
-  template <class U>
-  friend std::ostream& operator<<(std::ostream& out,
-                                  AttenuationCoeff<U> const& curve);
 
  protected:
   /// Removes all ranges.
@@ -179,6 +173,14 @@ class AttenuationCoeff {
   SearchHint hint_;            // range of the last evaluation
 };
 
+/// Prints the nodes as plain numbers, range by range:
+///
+///     # 1 edges
+///     # 2 nodes LogLog
+///     1.000000e+00<tab>2.000000e+00
+///     1.000000e+01<tab>2.000000e-02
+///
+/// Leaves `out` at scientific notation with a precision of 6.
 template <class T>
 std::ostream& operator<<(std::ostream& out, AttenuationCoeff<T> const& curve);
 

@@ -360,6 +360,29 @@ TEST(AttenuationCoeff, PrintsPlainNumbersAndLeavesTheFormat) {
             "1.000000e+01\t2.000000e-02\n5.000000e-01");
 }
 
+TEST(AttenuationCoeff, HasItsNodesAsPlainNumbersRangeByRange) {
+  Curve const edge = curve({{1., 8.}, {2., 4.}, {2., 6.}, {4., 3.}},
+                           Curve::LogLog, /*cubic=*/true);
+  auto const ranges = edge.nodes();
+  ASSERT_EQ(ranges.size(), 2U);
+  EXPECT_EQ(ranges[0].second, Curve::LogLog);
+  EXPECT_TRUE(ranges[0].third);
+  ASSERT_EQ(ranges[0].first.size(), 2U);
+  ASSERT_EQ(ranges[1].first.size(), 2U);
+  EXPECT_DOUBLE_EQ(ranges[0].first[0].first, 1.);
+  EXPECT_DOUBLE_EQ(ranges[0].first[1].second, 4.);
+  EXPECT_DOUBLE_EQ(ranges[1].first[0].first, 2.);
+  EXPECT_DOUBLE_EQ(ranges[1].first[0].second, 6.);
+}
+
+TEST(AttenuationCoeff, KeepsNodesOfLinearScalesToTheBit) {
+  Curve const line = curve({{0.1, 0.3}, {0.7, -1.}}, Curve::LinLin);
+  Curve::Points const expected{{0.1, 0.3}, {0.7, -1.}};
+  EXPECT_EQ(line.nodes().at(0).first, expected);
+  EXPECT_FALSE(line.nodes().at(0).third);
+  EXPECT_TRUE(Curve().nodes().empty());
+}
+
 TEST(AttenuationCoeff, BuildsManyConstantRangesInLittleTime) {
   // Ranges of the second stretch fall between those of the first.
   Curve::Points even, odd;
