@@ -12,7 +12,6 @@
 
 #include "photarium/config/MaterialConfig.h"
 #include "photarium/foundation/console.h"
-#include "photarium/foundation/elements.h"
 #include "photarium/foundation/number.h"
 #include "photarium/foundation/text.h"
 #include "tools/CommandLine.h"
@@ -109,7 +108,7 @@ Json lineJson(Line<double> const& line) {
 }
 
 Json edgeJson(Edge<double> const& edge) {
-  Json json{{"element", Elements[edge.ID.Z % ElementsCount]},
+  Json json{{"element", elementName(edge.ID)},
             {"shell", shellName(edge.ID.Shell)},
             {"energy_keV", edge.Energy},
             {"yield", edge.Yield},

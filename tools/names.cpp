@@ -13,9 +13,12 @@ std::string shellName(subshell shell) {
   return std::move(text).str();
 }
 
+std::string elementName(SubshellID const& level) {
+  return level.Z < ElementsCount ? Elements[level.Z] : "";
+}
+
 std::string nameOf(SubshellID const& level) {
-  std::string const element = level.Z < ElementsCount ? Elements[level.Z] : "";
-  return element + " " + shellName(level.Shell);
+  return elementName(level) + " " + shellName(level.Shell);
 }
 
 }  // namespace Tool
