@@ -223,7 +223,8 @@ pid_t startGnuplot(int in, int out) {
   posix_spawn_file_actions_adddup2(&actions, in, STDIN_FILENO);
   posix_spawn_file_actions_adddup2(&actions, out, STDOUT_FILENO);
   char name[] = "gnuplot";
-  char* arguments[] = {name, nullptr};
+  char defaults[] = "-d";  // whatever the user's ~/.gnuplot sets
+  char* arguments[] = {name, defaults, nullptr};
   pid_t child = 0;
   int const error =
       posix_spawnp(&child, name, &actions, nullptr, arguments, environ);
