@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <map>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -15,6 +14,7 @@
 #include "photarium/foundation/constants.h"
 #include "photarium/foundation/number.h"
 #include "photarium/foundation/text.h"
+#include "photarium/grid/Grid.h"
 #include "photarium/grid/SpectrumFile.h"
 #include "photarium/material/Material.h"
 #include "tools/CommandLine.h"
@@ -171,19 +171,17 @@ void send(Layer const& layer, Spectrum& spectrum) {
            ", which are extrapolated");
 }
 
-// A spectrum as text, with its summary.
-struct Written {
-  std::string lines;
-  std::string summary;
-};
-
-Written write(Spectrum const& spectrum, LabelMap<double> const& labels,
-              bool isBinned) {
-  std::ostringstream lines;
+// Mean energy and sum of the values that a spectrum file has.
+std::string summary(Spectrum contents, bool isBinned) {
+  if (!isBinned) Grid::ConvGrid(contents, Grid::ToCounts);
   double average = 0, flux = 0;
-  Grid::WriteGrid(lines, spectrum, labels, isBinned, isBinned, average, flux,
-                  1., /*dropTiny=*/false);
-  return {std::move(lines).str(), SpectInfo(average, flux, 0.)};
+  for (auto const& [energy, value] : contents) {
+    if (!std::isfinite(value)) continue;
+    average += value * energy;
+    flux += value;
+  }
+  if (flux > 0) average /= flux;
+  return SpectInfo(average, flux, 0.);
 }
 
 std::string comments(std::vector<Layer> const& layers) {
@@ -245,15 +243,16 @@ void runFilter(Arguments const& arguments) {
   }
   reportInfinite(after);
 
-  Written const written = write(after, labels, settings.Bin);
   Output output(line.value("output"));
   output.stream() << comments(layers)
                   << describeSpectrum("Spectrum", name, before.size(),
                                       settings.Bin)
-                  << "# Before: " << write(before, labels, settings.Bin).summary
-                  << "\n# After: " << written.summary << '\n'
-                  << written.lines;
-  picture.draw(pageOf(before, after, settings.Bin));
+                  << "# Before: " << summary(before, settings.Bin)
+                  << "\n# After: " << summary(after, settings.Bin) << '\n';
+  double average = 0, flux = 0;
+  Grid::WriteGrid(output.stream(), after, labels, settings.Bin, settings.Bin,
+                  average, flux, 1., /*dropTiny=*/false);
+  if (picture.isWanted()) picture.draw(pageOf(before, after, settings.Bin));
   output.finish();
 }
 
