@@ -12,6 +12,7 @@
 #include "tools/Picture.h"
 #include "tools/command.h"
 #include "tools/loading.h"
+#include "tools/report.h"
 #include "tools/tables.h"
 
 namespace Tool {
@@ -69,6 +70,12 @@ std::vector<PicturePage> pagesOf(std::vector<TableRow> const& rows,
   return {total, family};
 }
 
+void nameUseless(Arguments const& arguments) {
+  for (auto const& key : OptionKeys(arguments))
+    if (key == "shapefct")
+      report("--shapefct has no effect: the table has no angles");
+}
+
 }  // namespace
 
 void runBrems(Arguments const& arguments) {
@@ -77,7 +84,8 @@ void runBrems(Arguments const& arguments) {
   line.configure(settings, "brems");
   Picture const picture(line.value("plot"));
   SpectConfig<double>& spect = settings;
-  spect.ShapeFct = false;  // the table has no angles
+  nameUseless(arguments);
+  spect.ShapeFct = false;
 
   Material<double> material;
   load(material, spect);
