@@ -97,11 +97,15 @@ ProgressTap::int_type ProgressTap::overflow(int_type c) {
     endLine();
   else
     line_ += byte;
-  return target_->sputc(byte);
+  if (isPeerAlive_)
+    isPeerAlive_ =
+        !traits_type::eq_int_type(target_->sputc(byte), traits_type::eof());
+  return c;
 }
 
 int ProgressTap::sync() {
-  return target_->pubsync();
+  if (isPeerAlive_) isPeerAlive_ = target_->pubsync() == 0;
+  return 0;
 }
 
 void ProgressTap::endLine() {

@@ -53,7 +53,8 @@ class RowTap : public std::streambuf {
 };
 
 /// Shows the progress that goes to `IPC` of the settings as a bar, too, as long
-/// as the object lives.
+/// as the object lives. A peer that fails once gets nothing more; the bar goes
+/// on.
 class ProgressTap : public std::streambuf {
  public:
   ProgressTap(Config<double> const& settings, std::string const& label);
@@ -70,6 +71,7 @@ class ProgressTap : public std::streambuf {
 
   std::ostream& stream_;
   std::streambuf* target_;
+  bool isPeerAlive_ = true;
   ProgressBar bar_;
   std::string line_;
 };

@@ -1,7 +1,9 @@
 // The commands brems, angle and fluo.
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
+#include <thread>
 
 #include "photarium/config/DistributionConfig.h"
 #include "photarium/grid/AngleDist.h"
@@ -94,6 +96,72 @@ TEST(BremsCommand, DoesNotNeedAProgressPeer) {
   Outcome const outcome = Program().run(brems({"--ipc", "localhost:1"}));
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(rowsOf(outcome.out).size(), 5U);
+}
+
+TEST(BremsCommand, GoesOnWithoutAPeerThatClosesAtOnce) {
+  Listener listener;
+  std::thread peer([&] { listener.accept().close(); });
+  Outcome const outcome = Program().run(brems({"--ipc", listener.address()}));
+  peer.join();
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(rowsOf(outcome.out).size(), 5U);
+}
+
+TEST(BremsCommand, DoesNotWaitForAPeerThatNeverReads) {
+  Listener const silent;
+  auto const start = std::chrono::steady_clock::now();
+  Outcome const outcome = Program().run(brems({"--ipc", silent.address()}));
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(rowsOf(outcome.out).size(), 5U);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(8));
+}
+
+TEST(BremsCommand, DoesNotNeedAPeerWhoseNameResolves) {
+  // No label of a host's name is longer than 63 (RFC 1035), so no server is
+  // asked for this one.
+  std::string const unknown = std::string(64, 'x') + ":1";
+  Outcome const outcome = Program().run(brems({"--ipc", unknown}));
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(rowsOf(outcome.out).size(), 5U);
+}
+
+TEST(BremsCommand, ShowsABarOnATerminalWithoutItsPeer) {
+  Program const program;
+  if (program.shell("command -v script").status != 0)
+    GTEST_SKIP() << "script(1) is not installed";
+  Listener listener;
+  std::thread peer([&] { listener.accept().close(); });
+  // The table waits for its reader, so that it takes longer than a second.
+  Outcome const outcome = program.shell(
+      "script -qec 'photarium brems --kvp 100 --ebin 0.1 --steps 101 --ipc " +
+      listener.address() + " | (sleep 1.1; cat >table)' /dev/null");
+  peer.join();
+  EXPECT_EQ(rowsOf(program.text("table")).size(), 1000U);
+  EXPECT_NE(outcome.out.find("brems [" + std::string(40, '#') + "] 100 %"),
+            std::string::npos)
+      << outcome.out;
+  EXPECT_TRUE(outcome.out.ends_with("\r\033[K")) << outcome.out;
+}
+
+TEST(BremsCommand, RaisesFewStepsToEleven) {
+  Program const program;
+  std::string const eleven = program.run(brems({})).out;
+  for (std::string const steps : {"0", "1"}) {
+    Outcome const outcome = program.run(brems({"--steps", steps}));
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, eleven) << steps;
+    EXPECT_NE(outcome.err.find("Unusually small number of steps configured."),
+              std::string::npos);
+  }
+}
+
+TEST(BremsCommand, SaysThatTheShapeFunctionHasNoEffect) {
+  Outcome const outcome = Program().run(brems({"--shapefct"}));
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_NE(outcome.err.find("photarium: --shapefct has no effect: the table "
+                             "has no angles\n"),
+            std::string::npos);
+  EXPECT_EQ(Program().run(brems({})).err.find("shapefct"), std::string::npos);
 }
 
 TEST(BremsCommand, DrawsCrossSectionAndSamplingCurves) {
