@@ -2,7 +2,6 @@
 
 #include <map>
 #include <sstream>
-#include <stdexcept>
 #include <string>
 
 #include "photarium/config/Header.h"
@@ -10,7 +9,6 @@
 #include "photarium/foundation/console.h"
 #include "photarium/grid/Grid.h"
 #include "photarium/grid/SpectrumFile.h"
-#include "photarium/material/Material.h"
 #include "tools/CommandLine.h"
 #include "tools/Output.h"
 #include "tools/Picture.h"
@@ -46,13 +44,9 @@ Spectrum read(std::string const& file, MathConfig<double> const& settings) {
 
 // The nodes that the settings describe.
 Spectrum generated(MathConfig<double> settings) {
-  std::string const file = settings.GridFile;
-  Spectrum spectrum{"", settings, {}, {}};
-  Grid::GenGrid(settings, Material<double>(), spectrum.grid, spectrum.labels,
-                /*energiesOnly=*/true);
-  if (settings.GridFile != file)
-    throw std::runtime_error("No energies in grid file " + file);
-  spectrum.name = file.empty() ? "the generated nodes" : file;
+  Spectrum spectrum{"the generated nodes", settings, {}, {}};
+  if (!settings.GridFile.empty()) spectrum.name = settings.GridFile;
+  energyNodes(settings, spectrum.grid, spectrum.labels);
   return spectrum;
 }
 

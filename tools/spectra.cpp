@@ -4,6 +4,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "photarium/material/Material.h"
 #include "photarium/streams/PHMCStream.h"
 #include "tools/Input.h"
 #include "tools/report.h"
@@ -18,24 +19,47 @@ std::string oneLine(std::string text) {
   return text;
 }
 
-}  // namespace
-
-std::string readSpectrum(std::string const& file, Config<double>& settings,
-                         std::map<double const, double>& grid,
-                         LabelMap<double>& labels) {
+// Returns the name of the file as messages have it.
+std::string read(std::string const& file, Config<double>& settings,
+                 std::map<double const, double>& grid, LabelMap<double>& labels,
+                 bool energiesOnly) {
   Input input(file);
   std::ostringstream nothing;
   PHMCStream text(input.stream(), nothing, /*plain=*/false);
   text.limitText(file);               // a hostile one must come to an end
   text.exceptions(std::ios::badbit);  // a broken packed file is no short one
   try {
-    Grid::ReadGrid(text, grid, labels, settings, /*energiesOnly=*/false);
+    Grid::ReadGrid(text, grid, labels, settings, energiesOnly);
   } catch (std::runtime_error const& error) {
     throw std::runtime_error(error.what() + (" while reading " + input.name()));
   }
   input.finish();
-  if (grid.empty()) throw std::runtime_error("No spectrum in " + input.name());
   return input.name();
+}
+
+}  // namespace
+
+std::string readSpectrum(std::string const& file, Config<double>& settings,
+                         std::map<double const, double>& grid,
+                         LabelMap<double>& labels) {
+  std::string const name =
+      read(file, settings, grid, labels, /*energiesOnly=*/false);
+  if (grid.empty()) throw std::runtime_error("No spectrum in " + name);
+  return name;
+}
+
+void energyNodes(GridConfig<double>& settings,
+                 std::map<double const, double>& grid,
+                 LabelMap<double>& labels) {
+  if (settings.GridFile.empty()) {
+    Grid::GenGrid(settings, Material<double>(), grid, labels,
+                  /*energiesOnly=*/true);
+    return;
+  }
+  std::string const name =
+      read(settings.GridFile, settings, grid, labels, /*energiesOnly=*/true);
+  if (grid.empty())
+    throw std::runtime_error("No energies in grid file " + name);
 }
 
 std::string describeSpectrum(std::string const& label, std::string const& name,

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "photarium/config/Config.h"
+#include "photarium/config/GridConfig.h"
 #include "photarium/grid/SpectrumFile.h"
 
 namespace Tool {
@@ -16,6 +17,13 @@ namespace Tool {
 std::string readSpectrum(std::string const& file, Config<double>& settings,
                          std::map<double const, double>& grid,
                          LabelMap<double>& labels);
+
+/// The energies that `settings` describe: generated ones, or those of their
+/// `GridFile`, packed or plain, which sets `Bin` and `Time` where it names
+/// them. Throws std::runtime_error with the name of the file if it has none.
+void energyNodes(GridConfig<double>& settings,
+                 std::map<double const, double>& grid,
+                 LabelMap<double>& labels);
 
 /// A comment line on a spectrum: "# First: a.txt (3 nodes, densities)".
 std::string describeSpectrum(std::string const& label, std::string const& name,

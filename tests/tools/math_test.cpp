@@ -148,6 +148,16 @@ TEST_F(MathCommand, RefusesABrokenPackedFile) {
             "photarium: Not enough bits in input! while reading cut.phc\n");
 }
 
+TEST_F(MathCommand, RefusesABrokenPackedGridFile) {
+  Outcome const outcome = program.shell(
+      "photarium pack a.txt | head -c 8 >cut.phc; "
+      "photarium math b.txt --operation rebin --gridfile cut.phc");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_EQ(outcome.err,
+            "photarium: Not enough bits in input! while reading cut.phc\n");
+}
+
 TEST_F(MathCommand, ReadsTheFirstPlotOfAFileWithEverythingInIt) {
   program.write("mixed.txt",
                 "; comment\r\n\n-1 5\n1 10 Cu K-L3\n2 20\n1 99\n"
