@@ -27,12 +27,22 @@
 #include "tools/loading.h"
 #include "tools/names.h"
 #include "tools/report.h"
+#include "tools/spectra.h"
 
 namespace Tool {
 namespace {
 
 using Plot = PlotConfig<double>;
 using EnergyGrid = std::map<double const, double>;
+
+// As muPlot does, the table of photons comes ahead of electron scattering.
+bool isElectronCurve(Plot const& plot) {
+  return plot.eElScatter && !plot.ACRP;
+}
+
+bool isEfficiency(Plot const& plot) {
+  return plot.Efficiency && !plot.ACRP && !plot.eElScatter;
+}
 
 // A curve that the settings select.
 struct Selected {
@@ -43,7 +53,7 @@ struct Selected {
 // Those of the table and of the sum, in the order of the table.
 std::vector<Selected> crossSections(Plot const& plot,
                                     Material<double> const& material) {
-  if (plot.eElScatter)
+  if (isElectronCurve(plot))
     return {{"elastic electron scattering", &material.ElectronElastic}};
   std::vector<Selected> selected;
   auto const add = [&](bool wanted, char const* name, auto const& curve) {
@@ -105,7 +115,7 @@ std::vector<Sampled> sample(Plot const& plot, Material<double> const& material,
       sum.values[i] += one.values[i];
     }
   }
-  if (plot.Efficiency && !plot.ACRP) {
+  if (isEfficiency(plot)) {
     double const path = pathLength(plot);
     for (double& mu : sum.values) mu = -std::expm1(-path * mu);
     return {{"efficiency", std::move(sum.values)}};
@@ -135,7 +145,7 @@ std::string toJson(Plot const& plot, Material<double> const& material,
     }
     return jsonText(json);
   }
-  json["unit"] = plot.Efficiency && !plot.ACRP ? "1" : "1/cm";
+  json["unit"] = isEfficiency(plot) ? "1" : "1/cm";
   json["energy_keV"] = energies;
   for (auto const& [name, values] : sample(plot, material, energies))
     json["curves"][name] = values;
@@ -143,11 +153,15 @@ std::string toJson(Plot const& plot, Material<double> const& material,
 }
 
 // Enough energies for a smooth curve, and both sides of every edge, between the
-// ends of the grid.
+// ends of the grid; the grid itself where no equal ratios lead from one to the
+// other.
 std::vector<double> pictureEnergies(std::vector<double> const& grid,
                                     Material<double> const& material) {
   constexpr int Steps = 600;
-  double const first = grid.front(), last = grid.back();
+  auto const positive = std::upper_bound(grid.begin(), grid.end(), 0.);
+  if (positive == grid.end() || !std::isfinite(grid.back() / *positive))
+    return grid;
+  double const first = *positive, last = grid.back();
   std::vector<double> energies;
   for (int i = 0; i <= Steps; ++i)
     energies.push_back(first * std::pow(last / first, double(i) / Steps));
@@ -178,14 +192,14 @@ PicturePage pageOf(Plot const& plot, Material<double> const& material,
                    std::vector<double> const& grid) {
   if (auto const* const factor = factorOf(plot, material))
     return factorPage(plot, material, *factor);
-  bool const isEfficiency = plot.Efficiency && !plot.ACRP;
   std::string density;
   appendGeneral(density, material.Density);
   PicturePage page{
       material.Name + ", " + density + " g/cm³",
-      plot.eElScatter ? "electron energy [keV]" : "photon energy [keV]",
-      isEfficiency ? "efficiency" : "linear attenuation coefficient [1/cm]"};
-  page.logY = !isEfficiency;
+      isElectronCurve(plot) ? "electron energy [keV]" : "photon energy [keV]",
+      isEfficiency(plot) ? "efficiency"
+                         : "linear attenuation coefficient [1/cm]"};
+  page.logY = !isEfficiency(plot);
   auto const energies = pictureEnergies(grid, material);
   for (auto const& [name, values] : sample(plot, material, energies)) {
     PictureCurve& curve = page.curves.emplace_back(PictureCurve{name, {}});
@@ -193,20 +207,10 @@ PicturePage pageOf(Plot const& plot, Material<double> const& material,
     for (std::size_t i = 0; i < energies.size(); ++i)
       curve.points.emplace_back(energies[i], values[i]);
   }
-  if (!plot.eElScatter)
+  if (!isElectronCurve(plot))
     for (auto const& edge : material.Edges)
       page.marks.push_back({nameOf(edge.ID), edge.Energy});
   return page;
-}
-
-EnergyGrid energyGrid(Plot& plot, Material<double> const& material,
-                      LabelMap<double>& labels) {
-  EnergyGrid grid;
-  std::string const file = plot.GridFile;
-  Grid::GenGrid(plot, material, grid, labels, /*energiesOnly=*/true);
-  if (plot.GridFile != file)
-    throw std::runtime_error("No energies in grid file " + file);
-  return grid;
 }
 
 void print(std::ostream& out, Plot const& plot,
@@ -218,12 +222,13 @@ void print(std::ostream& out, Plot const& plot,
   } catch (warning const& findings) {
     report(findings.what());
   } catch (std::runtime_error const& error) {
+    std::string message = error.what();
     // The library has named the energies that are left out.
-    std::string const hint =
-        "\nEnergies beyond the data or between their "
-        "ranges need --extrapolate";
-    throw std::runtime_error(error.what() +
-                             (plot.Extrapolate ? std::string() : hint));
+    if (grid.size() < nodes)
+      message +=
+          "\nEnergies beyond the data or between their ranges need "
+          "--extrapolate";
+    throw std::runtime_error(message);
   }
   if (grid.size() < nodes && !plot.ACRP)
     report(std::to_string(nodes - grid.size()) + " of " +
@@ -243,7 +248,8 @@ void runMu(Arguments const& arguments) {
   load(material, plot);
   check(plot);
   LabelMap<double> labels;
-  EnergyGrid grid = energyGrid(plot, material, labels);
+  EnergyGrid grid;
+  energyNodes(plot, grid, labels);
   std::vector<double> energies;
   if (line.has("json") || picture.isWanted())
     for (auto const& [energy, value] : grid) energies.push_back(energy);

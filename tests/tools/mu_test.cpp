@@ -148,7 +148,57 @@ TEST(MuGrid, FileThatCannotBeReadIsAFailure) {
   Outcome const outcome =
       Program().run({"mu", "--material", "Cu", "--gridfile", "none.txt"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.err, "photarium: No energies in grid file none.txt\n");
+  EXPECT_EQ(outcome.err,
+            "photarium: Could not open none.txt: No such file or directory\n");
+}
+
+TEST(MuGrid, FileThatIsPackedIsRead) {
+  Outcome const outcome = Program().shell(
+      "printf '5\\n8\\n20\\n' | photarium pack >grid.phc; "
+      "photarium mu --material Cu --gridfile grid.phc");
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(rowsOf(outcome.out).size(), 3u);
+}
+
+TEST(MuGrid, FileThatIsPackedAndBrokenIsAFailure) {
+  Outcome const outcome = Program().shell(
+      "printf '5\\n8\\n20\\n' | photarium pack | head -c 4 >grid.phc; "
+      "photarium mu --material Cu --gridfile grid.phc");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_EQ(outcome.err,
+            "photarium: Not enough bits in input! while reading grid.phc\n");
+}
+
+TEST(MuGrid, FileWithoutEnergiesIsAFailure) {
+  Program const program;
+  program.write("empty.txt", "# nothing\n");
+  Outcome const outcome =
+      program.run({"mu", "--material", "Cu", "--gridfile", "empty.txt"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "photarium: No energies in grid file empty.txt\n");
+}
+
+TEST(MuGrid, ThatIsIrregularHasNoTableAndNoHint) {
+  Program const program;
+  program.write("grid.txt", "5\n8\n20\n");
+  Outcome const outcome = program.run(
+      {"mu", "--material", "Cu", "--acrp", "--gridfile", "grid.txt"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "photarium: Not a regular energy grid\n");
+}
+
+TEST(MuGrid, BeyondTheDataHasNoTableButAHint) {
+  Program const program;
+  program.write("grid.txt", "0.01\n0.02\n");
+  Outcome const outcome = program.run(
+      {"mu", "--material", "Cu", "--acrp", "--gridfile", "grid.txt"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_NE(outcome.err.find("photarium: No energies given\n"
+                             "photarium: Energies beyond the data or between "
+                             "their ranges need --extrapolate\n"),
+            std::string::npos)
+      << outcome.err;
 }
 
 TEST(MuGrid, OfEnergiesBeyondTheDataSaysHowManyAreLeftOut) {
@@ -310,6 +360,97 @@ TEST(MuJson, OfAnEfficiencyIsTheShareThatALayerAbsorbs) {
   ASSERT_EQ(json["curves"]["efficiency"].size(), 100u);
   for (std::size_t i = 0; i < rows.size(); ++i)
     EXPECT_NEAR(double(json["curves"]["efficiency"][i]), rows[i][1], 1e-6);
+}
+
+TEST(MuJson, OfElectronScatteringHasNoEfficiency) {
+  auto const json =
+      nlohmann::json::parse(Program()
+                                .run({"mu", "--material", "Cu", "--eelscatter",
+                                      "--efficiency", "--json"})
+                                .out);
+  EXPECT_EQ(json["unit"], "1/cm");
+  EXPECT_TRUE(json["curves"].contains("elastic electron scattering"));
+  EXPECT_FALSE(json["curves"].contains("efficiency"));
+}
+
+TEST(MuJson, OfElectronScatteringIsWhatTheTextShows) {
+  PHOTARIUM_NEEDS_DATA();
+  Program const program;
+  std::vector<std::string> const electrons{
+      "mu",
+      "--material",
+      "Cu",
+      "--kvp",
+      "100",
+      "--ebin",
+      "1",
+      "--eelscatter",
+      "--efficiency",
+      "--datafile",
+      (testData() / "endf/029_Cu_000.endf").string()};
+  auto const rows = rowsOf(program.run(electrons).out);
+  auto const json =
+      nlohmann::json::parse(program.run(with(electrons, {"--json"})).out);
+  auto const& curve = json.at("curves").at("elastic electron scattering");
+  ASSERT_EQ(rows.size(), 100u);
+  ASSERT_EQ(curve.size(), 100u);
+  for (std::size_t i = 0; i < rows.size(); ++i)
+    EXPECT_NEAR(double(curve[i]) / rows[i][1], 1, 1e-6);  // seven digits
+}
+
+TEST(MuJson, OfTheTableHasItsColumnsWithElectronScatteringToo) {
+  Program const program;
+  EXPECT_EQ(program.run(with(Brass, {"--eelscatter", "--json"})).out,
+            program.run(with(Brass, {"--json"})).out);
+}
+
+TEST(MuPlot, OfTheTableIsOfPhotonsWithElectronScatteringToo) {
+  Program const program;
+  NEEDS_GNUPLOT(program);
+  Outcome const outcome =
+      program.run(with(Brass, {"--eelscatter", "--plot", "brass.svg"}));
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  std::string const svg = program.text("brass.svg");
+  for (std::string const text :
+       {"photon energy [keV]", "photoabsorption", "sum", "Cu K"})
+    EXPECT_NE(svg.find(text), std::string::npos) << text;
+}
+
+TEST(MuPlot, OfElectronScatteringHasNoEfficiency) {
+  PHOTARIUM_NEEDS_DATA();
+  Program const program;
+  NEEDS_GNUPLOT(program);
+  Outcome const outcome = program.run(
+      {"mu", "--material", "Cu", "--eelscatter", "--efficiency", "--datafile",
+       (testData() / "endf/029_Cu_000.endf").string(), "--plot", "cu.svg"});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_NE(program.text("cu.svg").find("attenuation coefficient [1/cm]"),
+            std::string::npos);
+}
+
+TEST(MuPlot, BeginsAtTheFirstPositiveEnergy) {
+  Program const program;
+  NEEDS_GNUPLOT(program);
+  program.write("grid.txt", "0\n10\n20\n");
+  program.write("positive.txt", "10\n20\n");
+  for (std::string const grid : {"grid", "positive"}) {
+    Outcome const outcome =
+        program.run({"mu", "--material", "Cu", "--gridfile", grid + ".txt",
+                     "--plot", grid + ".svg"});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+  }
+  EXPECT_EQ(program.text("grid.svg"), program.text("positive.svg"));
+}
+
+TEST(MuPlot, DoesNotDependOnTheSettingsOfTheUsersGnuplot) {
+  Program program;
+  NEEDS_GNUPLOT(program);
+  program.write(".gnuplot", "set output 'elsewhere.svg'\n");
+  program.set("HOME=" + program.folder().string());
+  Outcome const outcome =
+      program.run({"mu", "--material", "Cu", "--plot", "cu.svg"});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_NE(program.text("cu.svg").find("</svg>"), std::string::npos);
 }
 
 TEST(MuPlot, IsAPicture) {
