@@ -1,5 +1,7 @@
 // The pages are true: what they show is what comes out.
 
+#include <algorithm>
+
 #include "tests/tools/Program.h"
 
 namespace {
@@ -58,7 +60,35 @@ std::string blockOf(std::string const& page, std::string const& language) {
   return page.substr(start, page.find("```", start) - start);
 }
 
+// The targets of the links of a page that are files of the project.
+std::vector<std::string> filesLinkedIn(std::string const& page) {
+  std::vector<std::string> files;
+  for (std::size_t at = 0; (at = page.find("](", at)) != std::string::npos;) {
+    at += 2;
+    std::string target = page.substr(at, page.find(')', at) - at);
+    bool const isElsewhere = target.find("://") != std::string::npos;
+    target.resize(std::min(target.find('#'), target.size()));
+    if (!isElsewhere && !target.empty()) files.push_back(target);
+  }
+  return files;
+}
+
 }  // namespace
+
+TEST(Pages, LinkToFilesThatExist) {
+  std::vector<std::filesystem::path> pages{sourceDir() / "README.md"};
+  for (auto const& entry :
+       std::filesystem::directory_iterator(sourceDir() / "docs"))
+    if (entry.path().extension() == ".md") pages.push_back(entry.path());
+  std::size_t count = 0;
+  for (auto const& page : pages)
+    for (auto const& file : filesLinkedIn(fileText(page))) {
+      EXPECT_TRUE(std::filesystem::exists(page.parent_path() / file))
+          << page << " links to " << file;
+      ++count;
+    }
+  EXPECT_GT(count, 10u);
+}
 
 TEST(ProgramPage, ShowsWhatItsExamplesPrint) {
   Program const program;
