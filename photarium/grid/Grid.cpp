@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
-#include <memory>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 #include "photarium/spline/CSpline.h"
@@ -20,35 +20,33 @@ struct Bin {
 };
 
 template <class Node>
-auto energyBefore(Node node, Node begin) {
-  return node == begin ? node->first : std::prev(node)->first;
-}
-
-template <class Node>
 auto energyAfter(Node node, Node end) {
   Node const next = std::next(node);
   return next == end ? node->first : next->first;
 }
 
-// The ends of the bin of `node`. An end node mirrors its inner half.
-template <class T, class Map>
-Bin<T> binOf(typename Map::const_iterator node, Map const& grid) {
-  T const energy = node->first;
-  T low = (energy + energyBefore(node, grid.begin())) / 2;
-  T high = (energy + energyAfter(node, grid.end())) / 2;
-  if (node == grid.begin())
-    low = 2 * energy - high;
-  else if (std::next(node) == grid.end())
-    high = 2 * energy - low;
-  return {low, high, node->second};
-}
-
+// The bins of a grid, whose values are densities or, if `binned`, contents. An
+// end bin mirrors its inner half.
 template <class T>
-std::vector<Bin<T>> binsOf(std::map<T const, T> const& grid) {
-  std::vector<Bin<T>> bins;
-  bins.reserve(grid.size());
-  for (auto node = grid.begin(); node != grid.end(); ++node)
-    bins.push_back(binOf<T>(node, grid));
+std::vector<Bin<T>> binsOf(std::map<T const, T> const& grid, bool binned) {
+  std::vector<std::pair<T, T>> const nodes(grid.begin(), grid.end());
+  std::size_t const size = nodes.size();
+  std::vector<Bin<T>> bins(size);
+  for (std::size_t i = 0; i < size; ++i) {
+    auto const [energy, value] = nodes[i];
+    bool const isFirst = i == 0, isLast = i + 1 == size;
+    T const before = isFirst ? energy : nodes[i - 1].first;
+    T const after = isLast ? energy : nodes[i + 1].first;
+    T const half = (after - before) * T(0.5);
+    T const width = isFirst || isLast ? half * 2 : half;
+    T low = (energy + before) / 2;
+    T high = (energy + after) / 2;
+    if (isFirst)
+      low = 2 * energy - high;
+    else if (isLast)
+      high = 2 * energy - low;
+    bins[i] = {low, high, binned && size > 1 ? value / width : value};
+  }
   return bins;
 }
 
@@ -75,7 +73,7 @@ T meanDensity(std::vector<Bin<T>> const& source, std::size_t first, T low,
 // which takes infinite energies, starts anew.
 template <class T>
 void rebin(std::vector<Bin<T>> const& source, std::map<T const, T>& target) {
-  std::vector<Bin<T>> const bins = binsOf(target);
+  std::vector<Bin<T>> const bins = binsOf(target, /*binned=*/false);
   std::size_t first = 0;
   std::size_t i = 0;
   for (auto& [energy, value] : target) {
@@ -156,14 +154,16 @@ template <class T>
 void ConvGrid(std::map<T const, T> const& source, std::map<T const, T>& target,
               bool inBinned, bool outBinned, bool interpolated,
               bool extrapolate, bool cubic) {
-  std::map<T const, T> density = source;
-  if (inBinned) ConvGrid(density, ToDensity);
-  if (!interpolated)
-    rebin(binsOf(density), target);
-  else if (cubic)
-    resample(CSpline<T, T>(density), target, extrapolate);
-  else
-    resample(LSpline<T, T>(density), target, extrapolate);
+  if (interpolated) {
+    std::map<T const, T> density = source;
+    if (inBinned) ConvGrid(density, ToDensity);
+    if (cubic)
+      resample(CSpline<T, T>(density), target, extrapolate);
+    else
+      resample(LSpline<T, T>(density), target, extrapolate);
+  } else {
+    rebin(binsOf(source, inBinned), target);
+  }
   if (outBinned) ConvGrid(target, ToCounts);
 }
 

@@ -203,6 +203,21 @@ TEST(ConvGrid, SweepsWithTheDoublesOfTheRestart) {
   }
 }
 
+TEST(ConvGrid, RebinsContentsLikeTheirDensities) {
+  for (std::size_t nodes : {1U, 2U, 40U}) {
+    Energies const source = plain::randomGrid(nodes, 1, 30, /*seed=*/12);
+    Energies density = source;
+    Grid::ConvGrid(density, Grid::ToDensity);
+    Energies target = plain::randomGrid(30, 0, 40, /*seed=*/13);
+    Energies expected = target;
+    plain::rebin(density, expected);
+    Grid::ConvGrid(expected, Grid::ToCounts);
+    Grid::ConvGrid(source, target, true, true, /*interpolated=*/false, false,
+                   false);
+    expectSame(target, expected);
+  }
+}
+
 TEST(ConvGrid, SweepsDisjointGridsLikeTheRestart) {
   Energies const low = plain::randomGrid(50, 1, 10, /*seed=*/5);
   Energies const high = plain::randomGrid(50, 20, 30, /*seed=*/6);
