@@ -5,9 +5,13 @@
 #include <thread>
 #include <vector>
 
+#include "photarium/config/SpectConfig.h"
+#include "photarium/foundation/warning.h"
 #include "photarium/grid/AngleDist.h"
 #include "photarium/grid/Attenuation.h"
 #include "photarium/grid/BremsTable.h"
+#include "photarium/grid/FluoTable.h"
+#include "photarium/material/Material.h"
 #include "tests/support/table_materials.h"
 
 namespace {
@@ -44,6 +48,40 @@ TEST(TablesThreads, WriteTheSameFromSharedMaterials) {
   std::vector<std::thread> threads;
   for (std::string& result : results)
     threads.emplace_back([&] { result = tables(brems, angle, photon); });
+  for (std::thread& thread : threads) thread.join();
+  for (std::string const& result : results) EXPECT_EQ(result, expected);
+}
+
+// A material built from settings, and all its tables.
+std::string buildAndWrite() {
+  SpectConfig<double> settings;
+  settings.Directory = PHOTARIUM_SOURCE_DIR;
+  settings.Material = "CuZn";
+  Material<double> brass;
+  std::string findings;
+  try {
+    brass.update(settings);
+  } catch (warning const& found) {
+    findings = found.what();
+  }
+  std::ostringstream out;
+  GridConfig<double> grid;
+  grid.kVp = 20;
+  grid.EBin = 1;
+  try {
+    FluoTable(out, grid, brass);
+  } catch (warning const& found) {
+    findings += found.what();
+  }
+  return tables(brass, angleMaterial(20), brass) + out.str() + findings;
+}
+
+TEST(TablesThreads, BuildMaterialsAndWriteTheirTables) {
+  std::string const expected = buildAndWrite();
+  std::vector<std::string> results(8);
+  std::vector<std::thread> threads;
+  for (std::string& result : results)
+    threads.emplace_back([&] { result = buildAndWrite(); });
   for (std::thread& thread : threads) thread.join();
   for (std::string const& result : results) EXPECT_EQ(result, expected);
 }
