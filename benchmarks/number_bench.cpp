@@ -50,6 +50,20 @@ std::vector<std::string> decades(double first, double last, int precision) {
   return found;
 }
 
+// Unordered decimals of one to five digits ahead of the point and one to six
+// behind it.
+std::vector<std::string> mixed() {
+  std::mt19937_64 random(11);
+  std::uniform_real_distribution<double> fraction(0, 1);
+  std::vector<std::string> found(Count);
+  for (std::string& text : found) {
+    int const whole = static_cast<int>(random() % 5);
+    int const places = static_cast<int>(random() % 6) + 1;
+    appendFixed(text, fraction(random) * std::pow(10., whole), places);
+  }
+  return found;
+}
+
 // The kinds of number that are read.
 std::vector<std::string> kind(std::int64_t index) {
   switch (index) {
@@ -59,6 +73,8 @@ std::vector<std::string> kind(std::int64_t index) {
       return decades(1e-12, 1e12, 6);
     case 2:
       return decades(1e-9, 1e9, 16);
+    case 4:
+      return mixed();
     default:
       return decades(1e-290, 1e290, 16);
   }
@@ -79,7 +95,7 @@ void BM_ReadPhotarium(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * std::int64_t{Count});
 }
-BENCHMARK(BM_ReadPhotarium)->DenseRange(0, 3);
+BENCHMARK(BM_ReadPhotarium)->DenseRange(0, 4);
 
 void BM_ReadFromChars(benchmark::State& state) {
   std::string const text = joined(kind(state.range(0)));
@@ -94,7 +110,7 @@ void BM_ReadFromChars(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * std::int64_t{Count});
 }
-BENCHMARK(BM_ReadFromChars)->DenseRange(0, 3);
+BENCHMARK(BM_ReadFromChars)->DenseRange(0, 4);
 
 void BM_ReadStream(benchmark::State& state) {
   std::string const text = joined(kind(state.range(0)));
@@ -105,7 +121,7 @@ void BM_ReadStream(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * std::int64_t{Count});
 }
-BENCHMARK(BM_ReadStream)->DenseRange(0, 3);
+BENCHMARK(BM_ReadStream)->DenseRange(0, 4);
 
 std::vector<double> values() {
   std::vector<double> found;
