@@ -9,7 +9,10 @@
 #include <random>
 #include <vector>
 
+#include "photarium/config/MaterialConfig.h"
+#include "photarium/foundation/warning.h"
 #include "photarium/material/AttenuationCoeff.h"
+#include "photarium/material/Material.h"
 
 namespace {
 
@@ -69,6 +72,38 @@ void BM_Xraylib(benchmark::State& state) {
   Evaluate(state, [](double e) { return CS_Photo(Copper, e, nullptr); });
 }
 
+// The four columns of the table of brass, without grids and formatting.
+void BM_BrassColumns(benchmark::State& state) {
+  MaterialConfig<double> settings;
+  settings.Directory = PHOTARIUM_SOURCE_DIR;
+  settings.Material = "CuZn";
+  Material<double> brass;
+  try {
+    brass.update(settings);
+  } catch (warning const&) {  // no electron data
+  }
+  Evaluate(state, [&](double e) {
+    return brass.Absorption(e, false) + brass.Incoherent(e, false) +
+           brass.Coherent(e, false) + brass.Pair(e, false);
+  });
+}
+
+// The three that xraylib has, the formula parsed once.
+void BM_XraylibBrassColumns(benchmark::State& state) {
+  compoundData* const brass = CompoundParser("CuZn", nullptr);
+  Evaluate(state, [&](double e) {
+    double sum = 0;
+    for (int i = 0; i < brass->nElements; ++i) {
+      int const Z = brass->Elements[i];
+      sum += brass->massFractions[i] *
+             (CS_Photo(Z, e, nullptr) + CS_Compt(Z, e, nullptr) +
+              CS_Rayl(Z, e, nullptr));
+    }
+    return sum;
+  });
+  FreeCompoundData(brass);
+}
+
 // What no curve on logarithmic scales can do without.
 void BM_LogarithmAndExponential(benchmark::State& state) {
   Evaluate(state, [](double e) { return std::exp(-2.8 * std::log(e)); });
@@ -77,6 +112,8 @@ void BM_LogarithmAndExponential(benchmark::State& state) {
 BENCHMARK(BM_Curve)->ArgName("random")->Arg(0)->Arg(1);
 BENCHMARK(BM_LinearCurve)->ArgName("random")->Arg(0)->Arg(1);
 BENCHMARK(BM_Xraylib)->ArgName("random")->Arg(0)->Arg(1);
+BENCHMARK(BM_BrassColumns)->ArgName("random")->Arg(0)->Arg(1);
+BENCHMARK(BM_XraylibBrassColumns)->ArgName("random")->Arg(0)->Arg(1);
 BENCHMARK(BM_LogarithmAndExponential)->ArgName("random")->Arg(0)->Arg(1);
 
 }  // namespace
