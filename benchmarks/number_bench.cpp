@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <fstream>
 #include <random>
 #include <sstream>
 #include <string>
@@ -64,6 +65,27 @@ std::vector<std::string> mixed() {
   return found;
 }
 
+bool isDecimal(std::string_view word) {
+  std::size_t const point = word.find('.');
+  return point != word.npos && point + 1 < word.size() &&
+         word.find_first_not_of("-.0123456789") == word.npos;
+}
+
+// The decimals of a file of the project's own data, over and over, in order.
+std::vector<std::string> decimalsOf(char const* name) {
+  std::ifstream file(std::string(PHOTARIUM_SOURCE_DIR "/data/") + name);
+  std::stringstream content;
+  content << file.rdbuf();
+  std::string const text = content.str();
+  std::vector<std::string> all;
+  std::string_view rest = text;
+  for (auto word = extractWord(rest); !word.empty(); word = extractWord(rest))
+    if (isDecimal(word)) all.emplace_back(word);
+  std::vector<std::string> found(Count);
+  for (std::size_t i = 0; i < Count; ++i) found[i] = all[i % all.size()];
+  return found;
+}
+
 // The kinds of number that are read.
 std::vector<std::string> kind(std::int64_t index) {
   switch (index) {
@@ -75,6 +97,10 @@ std::vector<std::string> kind(std::int64_t index) {
       return decades(1e-9, 1e9, 16);
     case 4:
       return mixed();
+    case 5:
+      return decimalsOf("ElamDB12.txt");
+    case 6:
+      return decimalsOf("ELossCorrections.txt");
     default:
       return decades(1e-290, 1e290, 16);
   }
@@ -95,7 +121,7 @@ void BM_ReadPhotarium(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * std::int64_t{Count});
 }
-BENCHMARK(BM_ReadPhotarium)->DenseRange(0, 4);
+BENCHMARK(BM_ReadPhotarium)->DenseRange(0, 6);
 
 void BM_ReadFromChars(benchmark::State& state) {
   std::string const text = joined(kind(state.range(0)));
@@ -110,7 +136,7 @@ void BM_ReadFromChars(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * std::int64_t{Count});
 }
-BENCHMARK(BM_ReadFromChars)->DenseRange(0, 4);
+BENCHMARK(BM_ReadFromChars)->DenseRange(0, 6);
 
 void BM_ReadStream(benchmark::State& state) {
   std::string const text = joined(kind(state.range(0)));
@@ -121,7 +147,7 @@ void BM_ReadStream(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * std::int64_t{Count});
 }
-BENCHMARK(BM_ReadStream)->DenseRange(0, 4);
+BENCHMARK(BM_ReadStream)->DenseRange(0, 6);
 
 std::vector<double> values() {
   std::vector<double> found;

@@ -4,7 +4,6 @@
 #include <array>
 #include <bit>
 #include <charconv>
-#include <cmath>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
@@ -12,10 +11,13 @@
 #include <system_error>
 #include <utility>
 
+// Numbers from text.
+
 namespace {
 
+// The first comparison settles it for all characters of numbers and words.
 bool isBlank(char c) {
-  return c == ' ' || (c >= '\t' && c <= '\r');
+  return c <= ' ' && (c == ' ' || (c >= '\t' && c <= '\r'));
 }
 
 // The value of a digit; above 9 for any other character.
@@ -165,8 +167,13 @@ bool isExact(std::uint64_t digits, std::int64_t exponent) {
   return std::abs(exponent) <= MaxExactTen && digits >> 53 == 0;
 }
 
+// As a double; a signed integer is converted faster than an unsigned one.
+double wholeNumber(std::uint64_t digits) {
+  return static_cast<double>(static_cast<std::int64_t>(digits));
+}
+
 double exactValue(std::uint64_t digits, std::int64_t exponent) {
-  auto const whole = static_cast<double>(static_cast<std::int64_t>(digits));
+  double const whole = wholeNumber(digits);
   return exponent < 0 ? whole / Tens[-exponent] : whole * Tens[exponent];
 }
 
@@ -245,7 +252,8 @@ std::uint64_t eightCharacters(char const* p, char const* end) {
   return p == end ? 0 : word >> (8 * (8 - (end - p)));
 }
 
-// The high bit of each byte above 9; right up to the first of them.
+// The high bit of each byte above 9; right up to the first of them, and up to
+// the second if the first is a point.
 std::uint64_t aboveNine(std::uint64_t word) {
   return ((word + eachByte(0x76)) | word) & eachByte(0x80);
 }
@@ -279,6 +287,36 @@ Digits scanManyDigits(char const* begin, Digits digits, char const* end) {
   }
 }
 
+// A decimal of at most eight digits with a point, as most fields of a table.
+struct ShortDecimal {
+  char const* end;  // null where there is none
+  std::uint64_t digits;
+  std::ptrdiff_t fraction;  // how many of the digits are behind the point
+};
+
+// Finds the point and the end of the digits in one word. The widest decimals,
+// those with six places as programs print them, are told apart by branches:
+// a processor that guesses them reads on before the digits are known.
+ShortDecimal scanShortDecimal(char const* first, char const* end) {
+  if (std::endian::native != std::endian::little || end - first < 10) return {};
+  std::uint64_t const word = eightCharacters(first, end) ^ eachByte('0');
+  std::uint64_t const others = aboveNine(word);
+  int const whole = std::countr_zero(others) / 8;
+  if (others == 0 || first[whole] != '.') return {};
+  std::uint64_t const behind = others & (others - 1);
+  if (behind == 0 && isDigit(first[8]) && isDigit(first[9])) return {};
+  std::uint64_t const ahead = ((others ^ behind) >> 7) - 1;
+  std::uint64_t const digits = (word & ahead) | (word >> 8 & ~ahead);
+  if (behind != 0) {
+    int const n = std::countr_zero(behind) / 8;
+    if (n == 1) return {};
+    return {first + n, eightDigits(digits << 8 << (64 - 8 * n)), n - 1 - whole};
+  }
+  std::uint64_t const seven = eightDigits(digits << 8);
+  if (!isDigit(first[8])) return {first + 8, seven, 7 - whole};
+  return {first + 9, 10 * seven + digitOf(first[8]), 8 - whole};
+}
+
 // Takes the digits of an exponent with its sign, and stops growing far beyond
 // any count of digits that fits memory. False if there is none.
 bool scanExponent(char const*& p, char const* end, std::int64_t& exponent) {
@@ -289,6 +327,10 @@ bool scanExponent(char const*& p, char const* end, std::int64_t& exponent) {
     if (exponent >> 58 == 0) exponent = 10 * exponent + digitOf(*p);
   if (negative) exponent = -exponent;
   return p != first;
+}
+
+bool isExponent(char c) {
+  return c == 'e' || c == 'E';
 }
 
 // Stores a number whose magnitude is `found`; the largest finite one and false
@@ -322,6 +364,56 @@ bool store(double& value, double found, bool negative) {
   return store(value, manyDigitsValue(mantissa, exponent), negative);
 }
 
+// Stores `digits` * 10^`scale`, the text of which is from `first` to `last`.
+bool storeDecimal(double& value, std::uint64_t digits, std::int64_t scale,
+                  char const* first, char const* last, bool negative) {
+  if (!isExact(digits, scale))
+    return storeWide(value, digits, scale, first, last, negative);
+  double const found = exactValue(digits, scale);
+  value = negative ? -found : found;
+  return true;
+}
+
+// The number begins at `first`, behind its sign.
+[[gnu::noinline]] bool extractAny(std::string_view& text, double& value,
+                                  char const* first, bool negative) {
+  char const* const end = text.data() + text.size();
+  Digits digits = scanDigits({first, 0}, end);
+  std::ptrdiff_t count = digits.end - first;
+  std::ptrdiff_t fraction = 0;
+  if (digits.end != end && *digits.end == '.') {
+    char const* const behind = digits.end + 1;
+    digits = scanManyDigits(text.data(), {behind, digits.value}, end);
+    fraction = digits.end - behind;
+    count += fraction;
+  }
+  char const* p = digits.end;
+  std::int64_t exponent = 0;
+  bool isNumber = count > 0;
+  if (isNumber && p != end && isExponent(*p))
+    isNumber = scanExponent(++p, end, exponent);
+  text = {p, static_cast<std::size_t>(end - p)};
+  value = 0;
+  if (!isNumber) return false;
+  if (count > MaxDigits) return storeMany(value, first, p, exponent, negative);
+  return storeDecimal(value, digits.value, exponent - fraction, first, p,
+                      negative);
+}
+
+// An exponent stands behind the `decimal`.
+bool extractScaled(std::string_view& text, double& value, char const* first,
+                   ShortDecimal const& decimal, bool negative) {
+  char const* const end = text.data() + text.size();
+  char const* p = decimal.end + 1;
+  std::int64_t exponent = 0;
+  bool const isNumber = scanExponent(p, end, exponent);
+  text = {p, static_cast<std::size_t>(end - p)};
+  value = 0;
+  if (!isNumber) return false;
+  return storeDecimal(value, decimal.digits, exponent - decimal.fraction, first,
+                      p, negative);
+}
+
 template <class N>
 bool extractInteger(std::string_view& text, N& value) {
   if (!skipBlanks(text)) return false;
@@ -347,109 +439,6 @@ bool extractInteger(std::string_view& text, N& value) {
   return true;
 }
 
-#ifdef __SIZEOF_INT128__
-// From a double to decimal digits, for the values and precisions of tables.
-
-// Largest q for which 5^q fits 64 bits.
-constexpr int MaxWholeFive = 27;
-
-constexpr auto WholeFives = [] {
-  std::array<std::uint64_t, MaxWholeFive + 1> powers{1};
-  for (std::size_t q = 1; q < powers.size(); ++q) powers[q] = 5 * powers[q - 1];
-  return powers;
-}();
-
-// Nearest doubles to the powers of ten from 10^-18 to 10^7.
-constexpr int LowestTen = -18;
-constexpr double NearTens[] = {1e-18, 1e-17, 1e-16, 1e-15, 1e-14, 1e-13, 1e-12,
-                               1e-11, 1e-10, 1e-9,  1e-8,  1e-7,  1e-6,  1e-5,
-                               1e-4,  1e-3,  1e-2,  1e-1,  1e0,   1e1,   1e2,
-                               1e3,   1e4,   1e5,   1e6,   1e7};
-
-constexpr auto Pairs = [] {
-  std::array<char, 200> digits{};
-  for (std::size_t i = 0; i < digits.size(); ++i)
-    digits[i] = static_cast<char>('0' + (i % 2 == 0 ? i / 20 : i / 2 % 10));
-  return digits;
-}();
-
-// Writes two decimal digits of `number`, which is below 100.
-void writePair(char* to, std::uint64_t number) {
-  std::memcpy(to, Pairs.data() + 2 * number, 2);
-}
-
-// Writes the one digit, the point and `precision` digits of `digits`.
-char* writeDigits(char* to, std::uint64_t digits, int precision) {
-  char* const end = to + precision + (precision > 0 ? 2 : 1);
-  int left = precision;
-  for (; left >= 2; left -= 2) {
-    writePair(to + left, digits % 100);
-    digits /= 100;
-  }
-  if (left == 1) {
-    to[2] = static_cast<char>('0' + digits % 10);
-    digits /= 10;
-  }
-  if (precision > 0) to[1] = '.';
-  to[0] = static_cast<char>('0' + digits);
-  return end;
-}
-
-// Writes a positive number in scientific notation and returns its end, null
-// where it is not of the usual size. Scaled to `precision` digits behind the
-// first one it is a whole number times a power of five, shifted right: exact in
-// 128 bits, so that it is rounded as it should be, ties to even.
-char* writeUsual(char* to, double value, int precision) {
-  if (precision > 6 || !(value >= 1e-18 && value < 1e7)) return nullptr;
-  auto const bits = std::bit_cast<std::uint64_t>(value);
-  int const power = static_cast<int>(bits >> 52) - 1075;
-  std::uint64_t const mantissa =
-      (bits & ((std::uint64_t{1} << 52) - 1)) | std::uint64_t{1} << 52;
-  // Floor of the logarithm of the leading bit, at most one below that of
-  // `value`.
-  int ten = (power + 52) * 78913 >> 18;
-  if (value >= NearTens[ten + 1 - LowestTen]) ++ten;
-  int const scale = precision - ten;
-  if (scale < 0) return nullptr;
-  int const shift = -power - scale;
-  Wide const scaled =
-      Wide{mantissa} * WholeFives[static_cast<std::size_t>(scale)];
-  auto const doubled = static_cast<std::uint64_t>(scaled >> (shift - 1));
-  std::uint64_t digits = doubled >> 1;
-  bool const isAbove = Wide{doubled} << (shift - 1) != scaled;
-  digits += doubled & 1 & (digits | (isAbove ? 1 : 0));
-  if (digits == WholeTens[precision + 1]) {  // rounded up from nines
-    digits /= 10;
-    ++ten;
-  }
-  to = writeDigits(to, digits, precision);
-  to[0] = 'e';
-  to[1] = ten < 0 ? '-' : '+';
-  writePair(to + 2, static_cast<std::uint64_t>(std::abs(ten)));
-  return to + 4;
-}
-#else
-char* writeUsual(char*, double, int) {
-  return nullptr;
-}
-#endif
-
-void append(std::string& out, double value, std::chars_format format,
-            int precision) {
-  char buffer[400];  // the largest double has 309 digits ahead of the point
-  auto const [end, error] =
-      std::to_chars(buffer, buffer + sizeof(buffer), value, format, precision);
-  if (error == std::errc()) {
-    out.append(buffer, end);
-    return;
-  }
-  std::string large(400 + static_cast<std::size_t>(precision), '\0');
-  char* const begin = large.data();
-  out.append(
-      begin,
-      std::to_chars(begin, begin + large.size(), value, format, precision).ptr);
-}
-
 }  // namespace
 
 bool extractNumber(std::string_view& text, double& value) {
@@ -461,28 +450,12 @@ bool extractNumber(std::string_view& text, double& value) {
   }
   bool negative = false;
   char const* const first = skipSign(begin, end, negative);
-  Digits digits = scanDigits({first, 0}, end);
-  std::ptrdiff_t count = digits.end - first;
-  std::ptrdiff_t fraction = 0;
-  if (digits.end != end && *digits.end == '.') {
-    char const* const behind = digits.end + 1;
-    digits = scanManyDigits(text.data(), {behind, digits.value}, end);
-    fraction = digits.end - behind;
-    count += fraction;
-  }
-  char const* p = digits.end;
-  std::int64_t exponent = 0;
-  bool isNumber = count > 0;
-  if (isNumber && p != end && (*p == 'e' || *p == 'E'))
-    isNumber = scanExponent(++p, end, exponent);
-  text = {p, static_cast<std::size_t>(end - p)};
-  value = 0;
-  if (!isNumber) return false;
-  if (count > MaxDigits) return storeMany(value, first, p, exponent, negative);
-  std::int64_t const scale = exponent - fraction;
-  if (!isExact(digits.value, scale))
-    return storeWide(value, digits.value, scale, first, p, negative);
-  double const found = exactValue(digits.value, scale);
+  ShortDecimal const decimal = scanShortDecimal(first, end);
+  if (decimal.end == nullptr) return extractAny(text, value, first, negative);
+  if (isExponent(*decimal.end))
+    return extractScaled(text, value, first, decimal, negative);
+  text = {decimal.end, static_cast<std::size_t>(end - decimal.end)};
+  double const found = wholeNumber(decimal.digits) / Tens[decimal.fraction];
   value = negative ? -found : found;
   return true;
 }
@@ -513,31 +486,4 @@ std::string_view extractWord(std::string_view& text) {
   std::string_view const word = text.substr(0, n);
   text.remove_prefix(n);
   return word;
-}
-
-void appendScientific(std::string& out, double value, int precision,
-                      bool showSign) {
-  bool const negative = std::signbit(value);
-  char buffer[16];
-  char* const begin = buffer + (negative || showSign ? 1 : 0);
-  buffer[0] = negative ? '-' : '+';
-  if (char* const end = writeUsual(begin, std::abs(value), precision)) {
-    out.append(buffer, end);
-    return;
-  }
-  if (showSign && !negative) out += '+';
-  append(out, value, std::chars_format::scientific, precision);
-}
-
-void appendFixed(std::string& out, double value, int precision) {
-  append(out, value, std::chars_format::fixed, precision);
-}
-
-void appendGeneral(std::string& out, double value, int precision) {
-  append(out, value, std::chars_format::general, precision);
-}
-
-void appendInteger(std::string& out, std::uint64_t value) {
-  char buffer[24];
-  out.append(buffer, std::to_chars(buffer, buffer + sizeof(buffer), value).ptr);
 }

@@ -74,7 +74,9 @@ TEST(VersionInfo, NamesVersionWidthAndRuntime) {
   std::ostringstream out;
   std::ostream const& same = out << VersionInfo;
   EXPECT_EQ(&same, &out);
-  EXPECT_EQ(out.str(), "Photarium " PHOTARIUM_VERSION " 64bit OpenMP");
+  std::string const bits = sizeof(void*) == 8 ? "64" : "32";
+  EXPECT_EQ(out.str(),
+            "Photarium " PHOTARIUM_VERSION " " + bits + "bit OpenMP");
 }
 
 TEST(SpectInfo, PrintsMeanAndFlux) {

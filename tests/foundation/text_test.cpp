@@ -70,6 +70,8 @@ TEST(isAbsolutePath, KnowsRootsAndDrives) {
   EXPECT_FALSE(isAbsolutePath(""));
   EXPECT_FALSE(isAbsolutePath("c"));
   EXPECT_FALSE(isAbsolutePath("1:x"));
+  EXPECT_FALSE(isAbsolutePath("[:x"));
+  EXPECT_FALSE(isAbsolutePath("{:x"));
   EXPECT_FALSE(isAbsolutePath("\xE4:x"));
   EXPECT_FALSE(isAbsolutePath(":x"));
   EXPECT_FALSE(isAbsolutePath("x/y"));
