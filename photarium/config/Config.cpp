@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 #include <limits>
+#include <new>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
@@ -135,6 +136,8 @@ void Config<T>::read(SectionMap& data, bool optional) {
   }
   try {
     Settings::parseConfigText(*text, DefaultSection, MaxEntries, data);
+  } catch (std::bad_alloc const&) {
+    throw;
   } catch (std::exception const& failure) {
     throw std::runtime_error(failure.what() + (" while reading " + ConfigFile) +
                              "\n");

@@ -69,7 +69,7 @@ void spread(std::vector<V>& values, std::size_t size) {
 }
 
 template <class T>
-void resize(DetectorConfig<T>& config, std::uint64_t count) {
+void resize(DetectorConfig<T>& config, std::size_t count) {
   config.Count = count;
   spread(config.Thickness, count);
   spread(config.lambdaE, count);
@@ -98,7 +98,7 @@ void DetectorConfig<T>::parse(OptionMap const& options, bool chain) {
   auto const special = [&](std::string const& key, Value& value) {
     if (key == "count")
       parseCount(value, "detector elements", findings,
-                 [&](std::uint64_t count, bool isNegative) {
+                 [&](std::size_t count, bool isNegative) {
                    Inverse = isNegative;
                    resize(*this, count);
                  });

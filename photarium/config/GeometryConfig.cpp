@@ -1,6 +1,6 @@
 #include "photarium/config/GeometryConfig.h"
 
-#include <cstdint>
+#include <cstddef>
 #include <numeric>
 
 #include "photarium/config/angles.h"
@@ -55,7 +55,7 @@ void GeometryConfig<T>::parse(OptionMap const& options, bool chain) {
   std::vector<T> layers{Thickness};
   auto const special = [&](std::string const& key, Value& value) {
     if (key == "count")
-      parseCount(value, "layers", findings, [&](std::uint64_t count, bool) {
+      parseCount(value, "layers", findings, [&](std::size_t count, bool) {
         layers.resize(count, layers[0]);
       });
     else if (key == "thickness")

@@ -1,6 +1,7 @@
 #include "photarium/config/SpectConfig.h"
 
 #include <exception>
+#include <new>
 
 #include "photarium/config/table.h"
 
@@ -54,6 +55,8 @@ template <class Model>
 void extractModel(Value& value, Model& field, Findings& findings) {
   try {
     value.extract(field);
+  } catch (std::bad_alloc const&) {
+    throw;
   } catch (std::exception const& failure) {
     findings.soft(failure.what() + std::string("\n"));
   }

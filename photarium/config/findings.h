@@ -1,6 +1,7 @@
 #pragma once
 
 #include <exception>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -38,11 +39,13 @@ class Findings {
   }
 
   /// Runs `call` and adds the text of any exception; all but `warning` are
-  /// hard.
+  /// hard. std::bad_alloc passes.
   template <class Call>
   void gatherAll(Call const& call) {
     try {
       gather(call);
+    } catch (std::bad_alloc const&) {
+      throw;
     } catch (std::exception const& failure) {
       hard(failure.what());
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -168,7 +169,8 @@ void parseCount(Value& value, std::string const& what, Findings& findings,
   std::uint64_t const count = isNegative ? 0 - given : given;
   constexpr std::uint64_t most = Config<double>::MaxCount;
   if (count <= most)
-    apply(count == 0 ? 1 : count, isNegative);
+    apply(std::max<std::size_t>(1, static_cast<std::size_t>(count)),
+          isNegative);
   else
     findings.soft("More than " + std::to_string(most) + " " + what +
                   ": count=" + value.text() + "\n");

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <exception>
 #include <iostream>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -24,6 +25,8 @@ template <class Work>
 void named(std::string const& name, Work&& work) {
   try {
     work();
+  } catch (std::bad_alloc const&) {
+    throw;
   } catch (std::exception const& failure) {
     std::string const prefix = name.empty() ? name : name + ": ";
     throw std::runtime_error(prefix + failure.what());

@@ -130,17 +130,13 @@ class RowWriter {
     }
   }
 
-  // Turns the cumulative sums into probabilities; of points with one
-  // probability the first counts, as in InverseRows::set.
+  // Turns the cumulative sums into probabilities.
   LSpline<T, T> linearInverse(T total) {
-    std::size_t n = 0;
-    for (std::size_t k = 0; k < cumulative_.size(); ++k) {
-      T const p = cumulative_[k] / total;
-      if (n > 0 && !(cumulative_[n - 1] < p)) continue;
-      cumulative_[n] = p;
-      fraction_[n] = fraction_[k];
-      ++n;
-    }
+    std::size_t const n = forEachAscending<T>(
+        cumulative_, total, [&](std::size_t to, T p, std::size_t from) {
+          cumulative_[to] = p;
+          fraction_[to] = fraction_[from];
+        });
     return LSpline<T, T>(std::span<T const>(cumulative_.data(), n),
                          std::span<T const>(fraction_.data(), n));
   }

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "photarium/grid/bin_width.h"
 #include "photarium/spline/CSpline.h"
 #include "photarium/spline/LSpline.h"
 #include "photarium/spline/Spline.h"
@@ -37,21 +38,20 @@ std::vector<Bin<T>> binsOf(std::map<T const, T> const& grid, bool binned) {
     bool const isFirst = i == 0, isLast = i + 1 == size;
     T const before = isFirst ? energy : nodes[i - 1].first;
     T const after = isLast ? energy : nodes[i + 1].first;
-    T const half = (after - before) * T(0.5);
-    T const width = isFirst || isLast ? half * 2 : half;
+    T const width = binned ? binWidth(before, energy, after) : T(1);
     T low = (energy + before) / 2;
     T high = (energy + after) / 2;
     if (isFirst)
       low = 2 * energy - high;
     else if (isLast)
       high = 2 * energy - low;
-    bins[i] = {low, high, binned && size > 1 ? value / width : value};
+    bins[i] = {low, high, value / width};
   }
   return bins;
 }
 
-// Mean density over the bin `low` to `high`, from the source bins behind
-// `first`, none of which ahead of it reaches above `low`.
+// Mean density over the bin `low` to `high`, from the source bins that begin at
+// `first`, the first one that reaches above `low`.
 template <class T>
 T meanDensity(std::vector<Bin<T>> const& source, std::size_t first, T low,
               T high) {
@@ -59,7 +59,6 @@ T meanDensity(std::vector<Bin<T>> const& source, std::size_t first, T low,
   T sum = 0;
   for (std::size_t i = first; i < source.size(); ++i) {
     auto const& bin = source[i];
-    if (low >= bin.high) continue;
     if (bin.low >= high) break;
     T const top = std::min(bin.high, high);
     T const bottom = std::max(bin.low, low);
@@ -139,9 +138,8 @@ void ConvGrid(std::map<T const, T>& grid, GridConvDir dir) {
   if (grid.size() < 2) return;  // one node has no width
   T before = grid.begin()->first;
   for (auto node = grid.begin(); node != grid.end(); ++node) {
-    T width = (energyAfter(node, grid.end()) - before) * T(0.5);
-    // An end node lacks its outer half bin; the inner half stands for both.
-    if (node == grid.begin() || std::next(node) == grid.end()) width *= 2;
+    T const width =
+        binWidth(before, node->first, energyAfter(node, grid.end()));
     if (dir == ToDensity)
       node->second /= width;
     else

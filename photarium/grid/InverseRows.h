@@ -6,6 +6,25 @@
 #include <span>
 #include <vector>
 
+/// Calls `keep(n, p, k)` for each point `k` that stays of a cumulative
+/// distribution, the n-th, with its probability p = `cumulative[k]` / `total`,
+/// and returns their number. Of points with one probability the first counts. A
+/// probability that is no number, as in a row without any, stands only if it
+/// comes first, and then alone. `keep` may write over the first n sums.
+template <class T, class Keep>
+std::size_t forEachAscending(std::span<T const> cumulative, T total,
+                             Keep const& keep) {
+  std::size_t n = 0;
+  T last = 0;
+  for (std::size_t k = 0; k < cumulative.size(); ++k) {
+    T const p = cumulative[k] / total;
+    if (n > 0 && !(last < p)) continue;
+    last = p;
+    keep(n++, p, k);
+  }
+  return n;
+}
+
 /// The inverses of a few cumulative distributions, solved side by side.
 ///
 /// Each is the natural cubic spline of CSpline through points of cumulative
@@ -28,22 +47,15 @@ class InverseRows {
     size_.fill(0);
   }
 
-  /// Takes the points of a row: `cumulative` / `total` and `fractions`. Of
-  /// points with one probability the first counts. A probability that is no
-  /// number, as in a row without any, stands only if it comes first, and then
-  /// alone.
+  /// Takes the points of a row: `cumulative` / `total` and `fractions`, as far
+  /// as they ascend, see forEachAscending().
   void set(std::size_t lane, std::span<T const> cumulative, T total,
            std::span<T const> fractions) {
-    std::size_t n = 0;
-    T last = 0;
-    for (std::size_t k = 0; k < cumulative.size(); ++k) {
-      T const p = cumulative[k] / total;
-      if (n > 0 && !(last < p)) continue;
-      probability_[n][lane] = last = p;
-      fraction_[n][lane] = fractions[k];
-      ++n;
-    }
-    size_[lane] = n;
+    size_[lane] = forEachAscending(cumulative, total,
+                                   [&](std::size_t n, T p, std::size_t k) {
+                                     probability_[n][lane] = p;
+                                     fraction_[n][lane] = fractions[k];
+                                   });
   }
 
   /// Solves all rows for the quadratic coefficients of their segments.

@@ -13,6 +13,7 @@
 #include "photarium/foundation/number.h"
 #include "photarium/foundation/text.h"
 #include "photarium/grid/TableText.h"
+#include "photarium/grid/bin_width.h"
 #include "photarium/streams/PHMCStream.h"
 
 namespace {
@@ -38,6 +39,28 @@ void readComment(std::string_view line, Config<T>& config) {
     extractNumber(text, value);
     config.Time = T(value);
   }
+}
+
+// A line takes memory for its text alone; what never ends must not take all.
+constexpr std::size_t LongestLine = std::size_t{16} << 20;
+
+// Reads a line as std::getline() does, up to that limit.
+bool readLine(std::istream& in, std::string& line) {
+  char piece[1 << 12];
+  line.clear();
+  for (;;) {
+    in.getline(piece, sizeof(piece));
+    auto const got = static_cast<std::size_t>(in.gcount());
+    bool const isWhole = in.good() || in.eof();
+    // The line end counts and is not stored.
+    line.append(piece, in.good() ? got - 1 : got);
+    if (isWhole || got == 0) break;
+    if (line.size() > LongestLine) throw std::runtime_error("Line too long");
+    in.clear(in.rdstate() & ~std::ios::failbit);
+  }
+  // Only a line without any byte fails at the end.
+  if (!line.empty() && !in.bad()) in.clear(in.rdstate() & ~std::ios::failbit);
+  return !in.fail();
 }
 
 template <class T>
@@ -97,15 +120,6 @@ void generate(GridConfig<T> const& config, std::map<T const, T>& grid,
   }
 }
 
-// Width of the bin of a node between two others; an end node stands for the
-// neighbour that it lacks. 1 on a grid of one node.
-template <class T>
-T binWidth(T below, T energy, T above) {
-  if (below == above) return 1;
-  T const width = (above - below) * T(0.5);
-  return below == energy || above == energy ? width * 2 : width;
-}
-
 }  // namespace
 
 namespace Grid {
@@ -121,7 +135,7 @@ std::string ReadGrid(std::istream& in, std::map<T const, T>& grid,
   std::string comments;
   std::string line;
   bool skipping = false;
-  while (std::getline(in, line)) {
+  while (readLine(in, line)) {
     if (line.empty()) continue;
     if (line[0] == '#' || line[0] == ';') {
       if (line.starts_with(PlotSeparator)) break;

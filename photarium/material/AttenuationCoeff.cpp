@@ -6,6 +6,7 @@
 #include <iomanip>
 #include <iterator>
 #include <limits>
+#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -497,6 +498,8 @@ std::map<T, T> AttenuationCoeff<T>::Discontinuities() const try {
     below = &range;
   }
   return ratios;
+} catch (std::bad_alloc const&) {
+  throw;
 } catch (std::exception const& cause) {
   throw warning(std::string("Couldn't determine jump ratio: ") + cause.what());
 }

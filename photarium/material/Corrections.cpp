@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <exception>
 #include <map>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -83,6 +84,8 @@ void Material<T>::readCorr(std::string const& file, T J) {
       EnergyLoss[constants] = 1;
       return true;
     });
+  } catch (std::bad_alloc const&) {
+    throw;
   } catch (std::exception const& cause) {
     throw std::runtime_error(std::string(cause.what()) + " while reading " +
                              file);
@@ -107,6 +110,8 @@ void Material<T>::readCorr(std::map<std::string, Material>& elements,
       element.EnergyLoss[constants] = 1;
       return false;
     });
+  } catch (std::bad_alloc const&) {
+    throw;
   } catch (std::exception const& cause) {
     throw std::runtime_error(std::string(cause.what()) + " while reading " +
                              file);

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <exception>
 #include <mutex>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -66,6 +67,8 @@ DBType Material<T>::recognise(std::string_view line) {
     try {
       parseENDFline(std::string(line));
       return ENDF;
+    } catch (std::bad_alloc const&) {
+      throw;
     } catch (...) {
       return Unknown;
     }
@@ -146,6 +149,8 @@ void Material<T>::loadDefault(std::string const& dir, DBType type,
     try {
       loadFile(file, dir, source);
       return true;
+    } catch (std::bad_alloc const&) {
+      throw;  // other data would not be what the user has
     } catch (...) {
       if (type != Unknown) throw;
       return false;
@@ -170,6 +175,8 @@ void Material<T>::loadFile(std::string const& db, std::string const& dir,
       throw;
     }
     keep(text, source);
+  } catch (std::bad_alloc const&) {
+    throw;
   } catch (std::exception const& cause) {
     throw std::runtime_error(std::string(cause.what()) + " while reading " +
                              db + (dir.empty() ? "" : " from " + dir));

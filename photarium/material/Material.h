@@ -123,6 +123,8 @@ class Material {
   /// Throws std::invalid_argument "Empty material given!"; std::runtime_error
   /// "Error loading material data for ", the material, ":\n" and the cause; at
   /// the end a warning with all findings, after which the data are there.
+  /// std::bad_alloc passes as it is: memory that ends never leads to other
+  /// data.
   void update(MaterialConfig<T>& config);
 
   /// The same, and the bremsstrahlung data that `config` asks for: built-in
@@ -141,6 +143,7 @@ class Material {
   ///
   /// Throws std::runtime_error: the cause, " while reading ", `db` and, unless
   /// `dir` is empty, " from ", `dir`; what is filled by then stays.
+  /// std::bad_alloc passes as it is.
   void readDB(std::string const& db, std::string const& dir, DBType type);
 
   /// Reads all elements of one ElamDB file, plain or packed, past the cache.

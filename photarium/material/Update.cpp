@@ -2,6 +2,7 @@
 #include <exception>
 #include <iterator>
 #include <map>
+#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -25,6 +26,8 @@ void Material<T>::update(MaterialConfig<T>& config) {
   std::string findings;
   try {
     fill(config, findings);
+  } catch (std::bad_alloc const&) {
+    throw;
   } catch (std::exception const& cause) {
     throw std::runtime_error("Error loading material data for " +
                              config.Material + ":\n" + cause.what());
@@ -58,6 +61,8 @@ void Material<T>::loadMaterial(MaterialConfig<T>& config, std::string& findings,
     if (config.DataFile.empty()) config.DataFile = source.name;
     Shares = {{Name, {T(1), A}}};
     return;
+  } catch (std::bad_alloc const&) {
+    throw;
   } catch (...) {
     // Its message is dropped: that of the failed piece says more.
   }
@@ -82,6 +87,8 @@ void Material<T>::correct(MaterialConfig<T> const& config,
   try {
     readCorr(ConcatPath(config.Directory, config.CorrFile),
              config.MeanExcitationPotential);
+  } catch (std::bad_alloc const&) {
+    throw;
   } catch (std::exception const& cause) {
     findings += cause.what();
     findings += '\n';

@@ -17,12 +17,18 @@
 
 namespace {
 
-constexpr std::size_t NoLimit = std::numeric_limits<std::size_t>::max();
+// Half of what a string can hold. Only where sizes have 32 bits is that to be
+// reached.
+constexpr std::size_t LongestText =
+    std::numeric_limits<std::ptrdiff_t>::max() / 2;
 
-// Appends what is left in `in`, taking `first` bytes at once. Stops one byte
-// behind the limit.
+[[noreturn]] void refuse() {
+  throw std::runtime_error("Could not read file");
+}
+
+// Appends what is left in `in`, taking `first` bytes at once.
 void appendRest(std::streambuf& in, std::string& text, std::size_t first,
-                std::size_t limit = NoLimit) {
+                std::size_t limit = LongestText) {
   std::size_t size = text.size();
   std::size_t got = 0;
   std::size_t wanted = first;
@@ -31,14 +37,16 @@ void appendRest(std::streambuf& in, std::string& text, std::size_t first,
     got = static_cast<std::size_t>(
         in.sgetn(text.data() + size, static_cast<std::streamsize>(wanted)));
     size += got;
-    if (got < wanted || size > limit) break;
+    if (size > limit) refuse();
+    if (got < wanted) break;
     wanted = std::min(std::max(first, size), limit - size + 1);
   } while (true);
   text.resize(size);
 }
 
-// Devices may have no end.
-constexpr std::size_t SizelessLimit = std::size_t{512} << 20;
+// Devices may have no end, nor may files that a kernel or another process makes
+// up while they are read.
+constexpr std::uintmax_t SizelessLimit = std::uintmax_t{512} << 20;
 
 }  // namespace
 
@@ -73,26 +81,28 @@ bool readFile(std::string const& path, std::string& text) {
   if (std::filesystem::is_directory(path, ignored)) return false;
   std::ifstream file(path, std::ios::binary);
   if (!file) return false;
-  auto const size = std::filesystem::file_size(path, ignored);
+  std::uintmax_t size = std::filesystem::file_size(path, ignored);
+  if (ignored) size = 0;
+  if (size > LongestText) refuse();
   // What has no size, as a pipe, is taken in blocks. Two bytes more than the
   // file holds see its end, and leave room for line ends.
   std::size_t const first =
-      ignored || size == 0 ? std::size_t{1} << 16 : std::size_t(size) + 2;
-  bool const isRegular = std::filesystem::is_regular_file(path, ignored);
-  std::size_t const limit = isRegular ? NoLimit : SizelessLimit;
+      size == 0 ? std::size_t{1} << 16 : std::size_t(size) + 2;
+  auto const limit = std::size_t(std::min<std::uintmax_t>(
+      std::max(SizelessLimit, size + size / 2), LongestText));
   try {
     appendRest(*file.rdbuf(), text, first, limit);
   } catch (std::ios_base::failure const&) {
-    throw std::runtime_error("Could not read file");
+    refuse();
   }
-  if (text.size() > limit) throw std::runtime_error("Could not read file");
   return true;
 }
 
 void unpack(std::string& text) {
   if (!text.starts_with(PHMCBuffer::Header)) return;
   // A short hostile input must not fill the memory.
-  std::uint64_t const limit = PHMCBuffer::plausibleText(text.size());
+  std::uint64_t const limit = std::min<std::uint64_t>(
+      PHMCBuffer::plausibleText(text.size()), LongestText);
   std::istringstream packed(std::move(text));
   std::ostringstream unused;
   PHMCStream stream(packed, unused, /*plain=*/false);

@@ -33,7 +33,9 @@ Stretch zeroUpTo(T threshold) {
 bool isTableName(std::string_view line);
 
 /// The whole rest of a stream, read past its formatting in large blocks. Leaves
-/// the state of the stream alone; what its buffer throws goes on.
+/// the state of the stream alone; what its buffer throws goes on. Throws
+/// std::runtime_error "Could not read file" for more than half of what a string
+/// can hold, which is 1 GiB where sizes have 32 bits.
 std::string remainingText(std::istream& in);
 
 /// The same without a copy where the stream reads from a string; otherwise the
@@ -41,8 +43,9 @@ std::string remainingText(std::istream& in);
 std::string_view remainingView(std::istream& in, std::string& storage);
 
 /// Reads a whole file. False if it cannot be opened, as a directory cannot;
-/// throws std::runtime_error "Could not read file" if reading breaks off or if
-/// what is no regular file, as a pipe or a device, has more than 512 MiB.
+/// throws std::runtime_error "Could not read file" if reading breaks off, if
+/// the file has more than remainingText() takes, or if what is no regular file,
+/// as a pipe or a device, has more than 512 MiB.
 bool readFile(std::string const& path, std::string& text);
 
 /// Replaces a packed text by what it holds and leaves any other as it is.

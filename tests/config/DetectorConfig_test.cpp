@@ -224,6 +224,7 @@ TEST(DetectorConfig, ChecksItsAngles) {
 
 TEST(DetectorConfig, ChecksItsThresholds) {
   OptionMap const wrong[] = {{{"min-energy", "-1"}},
+                             {{"max-energy", "-1"}},
                              {{"min-energy", "-2"}, {"max-energy", "-1"}},
                              {{"min-energy", "10"}, {"max-energy", "5"}}};
   for (OptionMap options : wrong) {

@@ -115,6 +115,14 @@ TEST(PlotConfig, HasSomethingToPlot) {
   settings.check();
 }
 
+TEST(PlotConfig, PassesWithAnyOneKindOfData) {
+  for (char const* const key :
+       {"coherent", "incoherent", "pair", "eelscatter"}) {
+    Plot settings = with({{"absorption", "false"}, {key, "true"}});
+    EXPECT_NO_THROW(settings.check()) << key;
+  }
+}
+
 TEST(PlotConfig, KeepsTheFormFactorAheadOfCrossSections) {
   Plot settings = with({{"formfactor", "true"}, {"acrp", "true"}});
   EXPECT_EQ(corrections(settings), Combined);

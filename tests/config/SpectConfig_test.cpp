@@ -216,6 +216,12 @@ TEST(SpectConfig, TestsNoThicknessWithoutRadiation) {
             "Neither bremsstrahlung nor characteristic radiation requested!\n");
 }
 
+TEST(SpectConfig, PassesWithLinesAlone) {
+  Spect settings = with({{"continuum", "false"}});
+  EXPECT_NO_THROW(settings.check());
+  EXPECT_TRUE(settings.Lines);
+}
+
 TEST(SpectConfig, WarnsOfVoltagesBeyondItsTables) {
   Spect settings = with({{"kvp", "2000.5"}, {"pratt", "true"}});
   EXPECT_EQ(corrections(settings),

@@ -1,4 +1,4 @@
-#include <unistd.h>
+#include <fstream>
 
 #include "tests/config/open.h"
 #include "tests/support/memory.h"
@@ -156,10 +156,10 @@ TEST(ConfigFile, MustNotBeMissingOrADirectory) {
 }
 
 TEST(ConfigFile, MustBeReadable) {
-  if (geteuid() == 0) GTEST_SKIP() << "root reads everything";
   ScratchFolder const folder;
   std::string const path = folder.write("a.cfg", "a = 1\n");
   std::filesystem::permissions(path, std::filesystem::perms::none);
+  if (std::ifstream(path)) GTEST_SKIP() << "root and Windows read everything";
   EXPECT_EQ(failureOf("", path), "Could not open config file: a.cfg\n");
 }
 

@@ -82,7 +82,28 @@ void expectRoundTrip() {
   }
 }
 
+// Without its bases a class applies `key` alone, one of its own, which its
+// lines then show as `line`.
+template <class C>
+void expectOwnKeysAlone(std::string const& key, std::string const& line) {
+  Open<C> settings;
+  settings.parse(OptionMap{{"time", "7"}, {key, "true"}}, /*chain=*/false);
+  EXPECT_EQ(settings.Time, 1) << key;
+  EXPECT_NE(settings.write("", false).find(line + ": true\n"),
+            std::string::npos)
+      << key;
+}
+
 }  // namespace
+
+TEST(Settings, LeaveTheirBasesAloneUnlessChained) {
+  expectOwnKeysAlone<MathConfig<double>>("cubic", "Cubic");
+  expectOwnKeysAlone<PlotConfig<double>>("coherent", "Coherent");
+  expectOwnKeysAlone<SpectConfig<double>>("pratt", "Pratt");
+  expectOwnKeysAlone<FilterConfig<double>>("inverse", "Inverse");
+  expectOwnKeysAlone<DetectorConfig<double>>("inverse", "Inverse");
+  expectOwnKeysAlone<DistributionConfig<double>>("cubic", "Cubic");
+}
 
 TEST(RoundTrip, OfWhatIsPrintedGivesTheSameSettings) {
   expectRoundTrip<GridConfig<double>>();

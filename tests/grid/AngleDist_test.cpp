@@ -14,6 +14,7 @@
 #include "photarium/foundation/warning.h"
 #include "photarium/material/Material.h"
 #include "tests/support/messages.h"
+#include "tests/support/nan_signs.h"
 #include "tests/support/plain_tables.h"
 #include "tests/support/table_materials.h"
 
@@ -196,8 +197,8 @@ void expectPlain(DistributionConfig<double> const& dist,
   std::ostringstream expected;
   std::string const findings = plain::angleDist(expected, dist, material);
   Result const result(dist, material);
-  EXPECT_EQ(result.text, expected.str());
-  EXPECT_EQ(result.message, findings);
+  EXPECT_EQ(comparable(result.text), comparable(expected.str()));
+  EXPECT_EQ(comparable(result.message), comparable(findings));
 }
 
 TEST(AngleDist, HasTheBytesOfThePlainForm) {

@@ -355,6 +355,8 @@ TEST(GridArithmetic, LeavesNodesBeyondAShorterOperandAlone) {
   Energies out{{1, 1}, {2, 2}};
   Grid::AddGrid(out, Energies{{1, 5}}, Energies{{1, 5}, {2, 5}});
   EXPECT_EQ(out, (Energies{{1, 10}, {2, 2}}));
+  Grid::SubtractGrid(out, Energies{{1, 5}, {2, 5}}, Energies{{1, 1}});
+  EXPECT_EQ(out, (Energies{{1, 4}, {2, 2}}));
 }
 
 TEST(AddToGrid, SharesAnAmountBetweenNodes) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 #include <iostream>
 #include <iterator>
 #include <limits>
@@ -56,6 +57,19 @@ std::string const example =
     "1.500000e+00\t2.000000e+02 Cu K-alpha\n"
     "#EOF\n"
     "5.000000e-01\t3.000000e+02\n";
+
+TEST(ReadGrid, TakesLinesLongerThanAnyPiece) {
+  for (std::size_t size = 4090; size < 4100; ++size) {
+    std::string const label(size, 'x');
+    Plot const plot = read("1 2" + label + "\n2 3" + label);
+    EXPECT_EQ(plot.labels, (Labels{{1, label}, {2, label}}));
+  }
+}
+
+TEST(ReadGrid, RefusesALineWithoutAnEnd) {
+  EXPECT_EQ(messageOfReading("1 2 " + std::string(17 << 20, 'x')),
+            "Line too long");
+}
 
 TEST(ReadGrid, ReadsNodesLabelsAndSettings) {
   Plot const plot = read(example);
@@ -500,6 +514,18 @@ TEST(WriteGrid, HasAShortFormForContents) {
   std::ostringstream out;
   Grid::WriteGrid<double>(out, threeNodes, {}, 2, true);
   EXPECT_EQ(out.str(), Written(threeNodes, true, true, 2, true).text);
+}
+
+TEST(WriteGrid, WritesLongGridsLineByLine) {
+  Energies grid;
+  std::string expected;
+  for (int i = 1; i <= 10000; ++i) {
+    grid[i] = 1. / i;
+    char line[60];
+    std::snprintf(line, sizeof(line), "%.6e\t%.6e\n", 1. * i, 1. / i);
+    expected += line;
+  }
+  EXPECT_EQ(Written(grid, true, true).text == expected, true);
 }
 
 TEST(WriteGrid, IsReadBackToSevenDigits) {

@@ -86,7 +86,7 @@ Material<double> readIron(AceTable const& table) {
 }  // namespace
 
 TEST(AceReader, EqualsThePlainReaderForAnyFluorescence) {
-  for (std::size_t const n : {0, 1, 2, 3, 4, 5, 6, 7}) {
+  for (std::size_t const n : {0u, 1u, 2u, 3u, 4u, 5u, 6u, 7u}) {
     AceTable table;
     table.fluorescence = blocks(n);
     EXPECT_EQ(readOutcome(table.str(), "Fe"), plainOutcome(table.str(), "Fe"))
@@ -244,7 +244,7 @@ TEST(AceReader, MakesTwoEdgesOfSixEntries) {
 }
 
 TEST(AceReader, RefusesAnotherNumberOfEntries) {
-  for (std::size_t const n : {1, 3, 7}) {
+  for (std::size_t const n : {1u, 3u, 7u}) {
     AceTable table;
     table.fluorescence = blocks(n);
     EXPECT_EQ(failureOf(table.str()),
@@ -309,6 +309,21 @@ TEST(AceReader, HasAFindingWithoutAnyPairValue) {
   std::istringstream in(table.str());
   EXPECT_THROW(iron.readMCNP(in), warning);
   EXPECT_FALSE(iron.Absorption.empty());
+}
+
+TEST(AceReader, HasAFindingWithoutEnergies) {
+  AceTable table;
+  table.energies.clear();
+  table.pair.clear();
+  EXPECT_EQ(readOutcome(table.str(), "Fe"), plainOutcome(table.str(), "Fe"));
+  EXPECT_EQ(failureOf(table.str()), "warning No datapoints for interpolation!");
+}
+
+TEST(AceReader, ReadsAFileThatTheDatabaseRecognises) {
+  ScratchFolder const scratch;
+  Material<double> iron("Fe", 0, 0, 0);
+  iron.readDB(scratch.write("a.txt", AceTable().str()), "", Unknown);
+  EXPECT_EQ(Fingerprint(iron).str(), Fingerprint(readIron({})).str());
 }
 
 TEST(AceReader, BeginsAtMinusInfinityOnTheLogarithmicGrids) {

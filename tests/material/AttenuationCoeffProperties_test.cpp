@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <functional>
 #include <limits>
 #include <map>
@@ -26,14 +27,14 @@ std::vector<Curve::Stretch> randomStretches(std::mt19937_64& random,
   double const infinity = std::numeric_limits<double>::infinity();
   double const odd[] = {0., -1., infinity, 1e308, 5e-324, -infinity};
   std::vector<Curve::Stretch> stretches;
-  std::size_t const count = 1 + random() % 3;
-  for (std::size_t k = 0; k < count; ++k) {
+  std::uint64_t const count = 1 + random() % 3;
+  for (std::uint64_t k = 0; k < count; ++k) {
     Curve::Stretch stretch{{},
                            static_cast<Curve::Interpolation>(1 + random() % 5),
                            random() % 2 == 0};
     double x = random() % 3 == 0 ? 1. : 0.5 + 3. * part(random);
-    std::size_t const size = 1 + random() % 30;
-    for (std::size_t i = 0; i < size; ++i) {
+    std::uint64_t const size = 1 + random() % 30;
+    for (std::uint64_t i = 0; i < size; ++i) {
       double y = 1e-3 + part(random);
       if (isHostile && random() % 20 == 0) y = odd[random() % 6];
       if (isHostile && random() % 40 == 0) x = odd[random() % 6];

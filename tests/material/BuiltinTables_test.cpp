@@ -144,6 +144,14 @@ TEST(readShape, HoldsTheTableOfATabulatedElement) {
   EXPECT_DOUBLE_EQ(value(gold.Shape[5], 100, 0.95), -0.00309);
 }
 
+TEST(readShape, KeepsDataWhereTheElementIsNotTabulated) {
+  auto material = numbered(79);
+  material.readShape();
+  material.Z = 29.5;
+  EXPECT_NO_THROW(material.readShape());
+  expectSame(material.Shape[0], plainShape(0, 4));
+}
+
 TEST(readShape, InterpolatesOverZAsThePlainForm) {
   for (double Z : {1., 29.5, 74., 100.}) {
     auto material = numbered(Z);

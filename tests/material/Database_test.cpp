@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <filesystem>
 #include <map>
 #include <sstream>
@@ -140,6 +141,7 @@ TEST(Recogniser, KnowsAnAceTextByATableIdentifier) {
   EXPECT_EQ(format("026000.04P   55.4\n"), MCNP);
   EXPECT_EQ(format("  1000.04q\n"), Unknown);
   EXPECT_EQ(format("  10x0.04p\n"), Unknown);
+  EXPECT_EQ(format("  1000.0xp\n"), Unknown);
   EXPECT_EQ(format("  1000.04\n"), Unknown);
 }
 
@@ -291,6 +293,23 @@ TEST_F(Database, RefusesADeviceWithoutEnd) {
   EXPECT_EQ(thrown<std::runtime_error>(
                 [&] { element.readDB("/dev/zero", "", Unknown); }),
             "Could not read file while reading /dev/zero");
+}
+
+TEST_F(Database, RefusesAFileThatCannotBeRead) {
+  std::string const file =
+      "/proc/self/mem";  // opens, yet its start is no one's
+  if (!std::filesystem::exists(file)) GTEST_SKIP() << "there is no " << file;
+  EXPECT_EQ(
+      thrown<std::runtime_error>([&] { element.readDB(file, "", Unknown); }),
+      "Could not read file while reading " + file);
+}
+
+TEST_F(Database, RefusesAFileLargerThanTheAddressSpace) {
+  if (sizeof(std::size_t) > 4) GTEST_SKIP() << "Sizes have 64 bits here";
+  scratch.write("a.txt", "");
+  std::filesystem::resize_file(scratch.path() / "a.txt", 0xfffffffe);
+  EXPECT_EQ(failure(element, "a.txt", dir),
+            "Could not read file while reading a.txt from " + dir);
 }
 
 TEST_F(Database, RefusesAnUnknownFormat) {

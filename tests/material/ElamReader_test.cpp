@@ -53,6 +53,14 @@ std::string const headOnly = "Element Cu 29 63.546 8.96\n";
 
 }  // namespace
 
+TEST(ElamReader, FindsNoElementsInBlanks) {
+  EXPECT_TRUE(readAll(" \n\t\n").empty());
+}
+
+TEST(ElamReader, MissesNoElementForAMaterialWithoutAName) {
+  EXPECT_TRUE(read("", "End\n//\n").Absorption.empty());
+}
+
 TEST(ElamReader, FillsTheFieldsOfAnElement) {
   Material<double> const element = read("Cu", database({copper()}));
   EXPECT_EQ(element.Z, 29);

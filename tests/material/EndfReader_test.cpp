@@ -7,7 +7,6 @@
 
 #include "tests/material/EndfText.h"
 #include "tests/material/PlainEndfReader.h"
-#include "tests/material/fingerprint.h"
 #include "tests/support/paths.h"
 #include "tests/support/thrown.h"
 
@@ -43,20 +42,6 @@ std::string fieldOutcome(std::string const& field) {
   } catch (std::runtime_error const& failure) {
     return failure.what();
   }
-}
-
-std::string readOutcome(std::string const& text, std::string const& name) {
-  return outcome(name, [&text](Material<double>& material) {
-    std::istringstream in(text);
-    material.readENDF(in);
-  });
-}
-
-std::string plainOutcome(std::string const& text, std::string const& name) {
-  return outcome(name, [&text](Material<double>& material) {
-    std::istringstream in(text);
-    PlainEndfReader(material).read(in);
-  });
 }
 
 Material<double> readElement(std::string const& text,
@@ -421,6 +406,22 @@ TEST(EndfReader, TakesANameThatIsAMaterialNumber) {
   EXPECT_FALSE(iron.Absorption.empty());
 }
 
+TEST(EndfReader, FindsAnElementAboveNinetyNineByItsSymbol) {
+  // Its material number does not follow from the atomic number.
+  std::string const text = smallElement(26, "Fm").str();
+  EXPECT_EQ(difference(text, "Fm"), "");
+  EXPECT_EQ(failureOf(text, "Fm"), "good");
+  EXPECT_EQ(failureOf(small(), "Fm"), "runtime_error Element Fm not found");
+}
+
+TEST(EndfReader, ReadsAnyStream) {
+  ScratchFolder const scratch;
+  std::ifstream in(scratch.write("a.endf", small()));
+  Material<double> iron("Fe", 0, 0, 0);
+  iron.readENDF(in);
+  EXPECT_EQ(Fingerprint(iron).str(), Fingerprint(readElement(small())).str());
+}
+
 TEST(EndfReader, NamesTheElementThatIsNotThere) {
   EXPECT_EQ(failureOf(small(), "Cu"), "runtime_error Element Cu not found");
   EXPECT_EQ(failureOf("", "Fe"), "runtime_error Element Fe not found");
@@ -462,6 +463,22 @@ TEST(EndfReader, StopsAtTheEndOfTheTape) {
   std::string const ended =
       text + EndfText(26, "Fe").tapeEnd().str() + "too short";
   EXPECT_EQ(readOutcome(ended, "Fe"), readOutcome(text, "Fe"));
+}
+
+TEST(EndfReader, TakesATapeEndWithAnyOtherNumberForNone) {
+  for (std::string const control :
+       {"  -1 1  0     ", "  -1 0  1     ", "  -1 0  0    7"}) {
+    std::string const text = std::string(66, ' ') + control + '\n' + small();
+    EXPECT_EQ(readOutcome(text, "Fe"), readOutcome(small(), "Fe")) << control;
+  }
+}
+
+TEST(EndfReader, HasAFindingForALevelWithoutPoints) {
+  EndfText text(26, "Fe");
+  text.head(3, 55).section(23, 534).control(26000, 55, 0, 0, 0, 0);
+  text.control(7112, 0, 0, 0, 1, 0).wholes({0, 2}).numbers({0, 0}).end();
+  EXPECT_EQ(difference(text.str(), "Fe"), "");
+  EXPECT_EQ(failureOf(text.str()), "warning No datapoints for interpolation!");
 }
 
 TEST(EndfReader, FailsOnALineWithoutControlColumns) {
@@ -603,7 +620,7 @@ TEST(EndfReader, RefusesACrossSectionThatGrowsAheadOfEachSpectrum) {
 
 TEST(EndfReader, HasAFindingForEachEmptyStretchOnEachLine) {
   std::string const finding = "No datapoints for interpolation!\n";
-  for (std::size_t const lines : {1, 3}) {
+  for (std::size_t const lines : {1u, 3u}) {
     EndfText text(26, "Fe");
     text.head(3, 55).section(23, 522).control(0, 0, 0, 0, 0, 0);
     text.control(0, 0, 0, 0, 2, 0).wholes({5, 2, 9, 2});

@@ -106,7 +106,7 @@ class EndfText {
 
   /// The text of tape end, as the normaliser leaves it if it has no number.
   EndfText& tapeEnd() {
-    text_ += std::string(66, ' ') + "  -1 0  0     \n";
+    text_.append(66, ' ').append("  -1 0  0     \n");
     return *this;
   }
 

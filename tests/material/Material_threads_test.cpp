@@ -1,36 +1,20 @@
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cstddef>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "photarium/config/MaterialConfig.h"
 #include "photarium/foundation/warning.h"
 #include "photarium/material/Material.h"
+#include "tests/material/EndfText.h"
 #include "tests/material/elam_text.h"
+#include "tests/material/fingerprint.h"
+#include "tests/support/on_threads.h"
 #include "tests/support/paths.h"
 
 namespace {
-
-constexpr std::size_t ThreadCount = 16;
-
-// Runs `work` with the numbers from 0 on, each on a thread of its own, all
-// released at once.
-template <class Work>
-void onThreads(Work const& work) {
-  std::atomic<bool> isReleased{false};
-  std::vector<std::thread> threads;
-  for (std::size_t i = 0; i < ThreadCount; ++i)
-    threads.emplace_back([&, i] {
-      while (!isReleased) std::this_thread::yield();
-      work(i);
-    });
-  isReleased = true;
-  for (std::thread& thread : threads) thread.join();
-}
 
 // What loading a material gives: its curves and what is written back.
 std::string loaded(std::string const& directory, std::string const& file,
@@ -122,6 +106,37 @@ TEST_F(MaterialThreads, MayEvaluateASharedMaterial) {
       double const energy = 1 + static_cast<double>((i + 7) * 13 % 90);
       shared.Absorption(energy, false);
       if (shared.Absorption(8., false) != expected) results[i] = "differs";
+    }
+  });
+  for (std::string const& result : results) EXPECT_EQ(result, "");
+}
+
+TEST_F(MaterialThreads, LoadFromDatabasesOfSeveralFormats) {
+  scratch.write("data/ENDF-VII0/026_Fe_000.endf",
+                smallElement(26, "Fe").tapeEnd().str());
+  scratch.write("data/ElamDB12.txt", database({oxygen(), copper()}));
+  std::vector<std::string> const texts = {"Fe", "Cu", "CuO", "FeO"};
+  std::string const folder = scratch.path().string();
+  onThreads([&](std::size_t i) {
+    for (int repeat = 0; repeat < 8; ++repeat)
+      results[i] = loaded(folder, "", texts[i % texts.size()]);
+  });
+  for (std::size_t i = 0; i < ThreadCount; ++i)
+    EXPECT_EQ(results[i], loaded(folder, "", texts[i % texts.size()]));
+}
+
+// Every curve and surface, between and at its nodes.
+TEST_F(MaterialThreads, MayEvaluateAllOfASharedMaterial) {
+  Material<double> material("Fe", 0, 0, 0);
+  std::istringstream in(smallElement(26, "Fe").str());
+  material.readENDF(in);
+  Material<double> const& shared = material;
+  std::string const expected = Fingerprint(shared).str();
+  onThreads([&](std::size_t i) {
+    for (int repeat = 0; repeat < 20; ++repeat) {
+      Material<double> const copy(shared);
+      if (Fingerprint(shared).str() != expected) results[i] = "differs";
+      if (Fingerprint(copy).str() != expected) results[i] = "copy differs";
     }
   });
   for (std::string const& result : results) EXPECT_EQ(result, "");

@@ -15,6 +15,7 @@
 
 #include "photarium/foundation/constants.h"
 #include "photarium/material/Material.h"
+#include "tests/material/fingerprint.h"
 
 /// The ENDF reader once more, slow and plain: a string stream for each field, a
 /// multimap for the points, and every step in the order in which the format's
@@ -416,3 +417,21 @@ class PlainEndfReader {
   std::map<double const, LSpline<double, double>> spectra_, angles_;
   std::set<double> cosines_;
 };
+
+/// What the library's reader makes of `text` for the material `name`.
+inline std::string readOutcome(std::string const& text,
+                               std::string const& name) {
+  return outcome(name, [&text](Material<double>& material) {
+    std::istringstream in(text);
+    material.readENDF(in);
+  });
+}
+
+/// What the plain one makes of it.
+inline std::string plainOutcome(std::string const& text,
+                                std::string const& name) {
+  return outcome(name, [&text](Material<double>& material) {
+    std::istringstream in(text);
+    PlainEndfReader(material).read(in);
+  });
+}

@@ -8,6 +8,7 @@
 #include "photarium/foundation/elements.h"
 #include "photarium/foundation/warning.h"
 #include "photarium/material/Material.h"
+#include "tests/material/EndfText.h"
 #include "tests/material/elam_text.h"
 #include "tests/support/paths.h"
 #include "tests/support/thrown.h"
@@ -139,6 +140,27 @@ TEST_F(Update, LooksUpNoDensityForANumberOffTheTable) {
   config.Material = "Xx";
   EXPECT_EQ(findings(), "Density effect coefficients incomplete.\n");
   EXPECT_EQ(config.Density, 0);
+}
+
+TEST_F(Update, LooksUpNoDensityBehindTheTable) {
+  scratch.write("odd.txt",
+                "Element Xx 300 1 0\nPhoto\n 1 1 1\nScatter\n 1 1 1 "
+                "1 1\nEndElement\nEnd\n");
+  config.DataFile = "odd.txt";
+  config.Material = "Xx";
+  material.update(config);
+  EXPECT_EQ(config.Density, 0);
+}
+
+TEST_F(Update, ReportsAnEdgeOfACurveWithoutJumps) {
+  EndfText text(26, "Fe");
+  text.head(6, 55).section(28, 533).control(26000, 55, 0, 0, 1, 0);
+  text.numbers({1, 0, 0, 0, 12, 1, 7112, 2, 0, 0, 0, 0});
+  text.numbers({3, 0, 6390, .1, 0, 0}).end().tapeEnd();
+  scratch.write("relaxation.endf", text.str());
+  config.DataFile = "relaxation.endf";
+  config.Material = "Fe";
+  EXPECT_EQ(findings(), "Didn't find jump ratio for edge at 7.112 keV.\n");
 }
 
 TEST_F(Update, TakesStoppingConstantsFromTheCorrectionFile) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "photarium/config/MaterialConfig.h"
+#include "photarium/config/SpectConfig.h"
 #include "photarium/foundation/warning.h"
 #include "photarium/material/Material.h"
 #include "tests/material/EndfText.h"
@@ -112,6 +113,19 @@ TEST_F(ElectronComposite, AddsBremsstrahlungOnCommonNodes) {
                     (.25 * value(iron.TabSigma, electron, .5) +
                      .75 * value(copper.TabSigma, electron, .5)),
                 1, 1e-9);
+}
+
+TEST_F(ElectronComposite, NeedsNoBuiltinBremsstrahlungBesideItsOwn) {
+  SpectConfig<double> spect;
+  spect.Directory = config.Directory;
+  spect.CorrFile = config.CorrFile;
+  spect.Material = "Fe";
+  spect.ShapeFct = false;
+  Material<double> material;
+  EXPECT_NO_THROW(material.update(spect));
+  EXPECT_FALSE(spect.Pratt);
+  EXPECT_FALSE(material.TabSigma.empty());
+  EXPECT_TRUE(material.BremsSigma.empty());
 }
 
 TEST_F(ElectronComposite, MergesAnglesOnTheEnergiesOfAll) {
