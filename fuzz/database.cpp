@@ -7,6 +7,7 @@
 #include <sstream>
 #include <string>
 
+#include "fuzz/tape_mutator.h"
 #include "photarium/material/Material.h"
 
 namespace {
@@ -58,4 +59,11 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data,
   } catch (std::exception const&) {
   }
   return 0;
+}
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data,
+                                               std::size_t size,
+                                               std::size_t capacity,
+                                               unsigned int seed) {
+  return mutateTape(data, size, capacity, seed, /*ahead=*/1);
 }

@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "fuzz/tape_mutator.h"
 #include "tools/endf_tape.h"
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data,
@@ -26,4 +27,11 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data,
     if (Tool::endfText(again.elements().at(z), 0) != text) std::abort();
   }
   return 0;
+}
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data,
+                                               std::size_t size,
+                                               std::size_t capacity,
+                                               unsigned int seed) {
+  return mutateTape(data, size, capacity, seed, /*ahead=*/0);
 }

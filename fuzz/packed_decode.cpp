@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr std::size_t TextLimit = 1 << 17;
+constexpr std::size_t TextLimit = 1 << 14;
 
 class SmallBuffer : public OpenBuffer {
  public:

@@ -1,7 +1,7 @@
 // A command line in one text and a config file, for each settings class.
 //
-// The first byte chooses the class. What follows is the command line, up to a
-// line "%%", and then the config file.
+// The first byte, a digit in the seeds, chooses the class. What follows is the
+// command line, up to a line "%%", and then the config file.
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -87,6 +87,6 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data,
   std::string_view const config = hasFile ? text.substr(end + mark.size()) : "";
   if (leavesTheInput(line, config)) return 0;
   file.set(config);
-  Runs[data[0] % std::size(Runs)](line, file.path());
+  Runs[std::uint8_t(data[0] - '0') % std::size(Runs)](line, file.path());
   return 0;
 }
