@@ -1,6 +1,7 @@
 #include "tools/CommandLine.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <numeric>
 
 #include "photarium/foundation/text.h"
@@ -83,7 +84,9 @@ void CommandLine::take(Arguments const& arguments) {
   for (std::size_t i = 0; i < arguments.size();) {
     std::string const& argument = arguments[i++];
     Parsed const parsed = parse(argument);
-    bool const isPath = argument.starts_with('.') || argument.starts_with('/');
+    // "c:/name" is no option of the name c on Windows.
+    bool const isPath = argument.starts_with('.') ||
+                        std::filesystem::path(argument).has_root_directory();
     if (takesFiles_ && (!parsed.isOption || isPath)) {
       files_.push_back(argument);
       continue;

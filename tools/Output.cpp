@@ -1,7 +1,5 @@
 #include "tools/Output.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -11,24 +9,16 @@
 #include <stdexcept>
 
 #include "tools/command.h"
+#include "tools/system.h"
 
 namespace Tool {
 namespace {
 
 constexpr std::size_t AreaSize = 65536;
-constexpr char NameEnd[] = ".XXXXXX";  // of a temporary file, see mkstemp
 
 std::runtime_error writeFailure(std::string const& name, int error) {
   return std::runtime_error("Could not write " + name + ": " +
                             std::strerror(error));
-}
-
-mode_t permissionsOf(std::string const& target) {
-  struct stat status {};
-  if (stat(target.c_str(), &status) == 0) return status.st_mode & 07777;
-  mode_t const mask = umask(0);
-  umask(mask);
-  return 0666 & ~mask;
 }
 
 bool isSpecial(std::filesystem::path const& path) {
@@ -59,8 +49,8 @@ DescriptorBuffer::DescriptorBuffer(int descriptor)
 
 bool DescriptorBuffer::drain() {
   for (char const* at = pbase(); at < pptr() && error_ == 0;) {
-    ssize_t const written =
-        write(descriptor_, at, static_cast<std::size_t>(pptr() - at));
+    auto const rest = static_cast<unsigned int>(pptr() - at);
+    auto const written = write(descriptor_, at, rest);
     if (written >= 0)
       at += written;
     else if (errno != EINTR)
@@ -85,24 +75,12 @@ SafeFile::SafeFile(std::string const& target)
     : target_(target), isDirect_(isSpecial(target)) {
   if (std::filesystem::is_directory(target_)) fail(EISDIR);
   if (isDirect_) {
-    descriptor_ = ::open(target_.c_str(), O_WRONLY | O_CLOEXEC);
+    descriptor_ = System::openDevice(target_);
   } else {
     target_ = resolved(target_);
-    openBeside();
+    descriptor_ = System::openBeside(target_, path_);
   }
   if (descriptor_ < 0) fail(errno);
-}
-
-// A file without a name goes with the process, however that ends. Where the
-// disk knows no such files, a name of its own must do.
-void SafeFile::openBeside() {
-  auto const parent = std::filesystem::path(target_).parent_path();
-  descriptor_ = ::open(parent.empty() ? "." : parent.c_str(),
-                       O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
-  if (descriptor_ >= 0) return;
-  path_ = target_ + NameEnd;
-  descriptor_ = mkostemp(path_.data(), O_CLOEXEC);
-  if (descriptor_ < 0) path_.clear();
 }
 
 SafeFile::~SafeFile() {
@@ -110,37 +88,17 @@ SafeFile::~SafeFile() {
   if (!path_.empty()) unlink(path_.c_str());
 }
 
-std::uintmax_t SafeFile::size() const {
-  struct stat status {};
-  if (fstat(descriptor_, &status) != 0) fail(errno);
-  return static_cast<std::uintmax_t>(status.st_size);
-}
-
 void SafeFile::keep() {
-  if (!isDirect_) {
-    if (fchmod(descriptor_, permissionsOf(target_)) != 0) fail(errno);
-    if (path_.empty()) giveName();
-  }
+  if (!isDirect_ && !System::prepareToReplace(target_, descriptor_, path_))
+    fail(errno);
   int const closed = close(descriptor_);
   descriptor_ = -1;
   if (closed != 0) fail(errno);
   if (isDirect_) return;
-  if (rename(path_.c_str(), target_.c_str()) != 0) fail(errno);
+  std::error_code failure;
+  std::filesystem::rename(path_, target_, failure);
+  if (failure) fail(failure.default_error_condition().value());
   path_.clear();
-}
-
-// A link cannot replace a file, so the new name is one of its own, too.
-void SafeFile::giveName() {
-  std::string const file = "/proc/self/fd/" + std::to_string(descriptor_);
-  for (int attempt = 0; path_.empty(); ++attempt) {
-    std::string const name = target_ + '.' + std::to_string(getpid()) + '-' +
-                             std::to_string(attempt);
-    if (linkat(AT_FDCWD, file.c_str(), AT_FDCWD, name.c_str(),
-               AT_SYMLINK_FOLLOW) == 0)
-      path_ = name;
-    else if (errno != EEXIST)
-      fail(errno);
-  }
 }
 
 void SafeFile::fail(int error) const {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <ostream>
 #include <streambuf>
@@ -31,7 +30,7 @@ class DescriptorBuffer : public std::streambuf {
 
 /// A file that appears under its name once it is complete: written beside its
 /// target, then renamed. Gone without a trace if it is not kept, even where a
-/// signal ends the process.
+/// signal ends the process (but on Windows).
 ///
 /// Devices and pipes are written directly. Permissions of a file that is
 /// replaced stay. Throws std::runtime_error with the name and the cause.
@@ -44,14 +43,9 @@ class SafeFile {
 
   int descriptor() const { return descriptor_; }
 
-  /// Bytes written so far.
-  std::uintmax_t size() const;
-
   void keep();
 
  private:
-  void openBeside();
-  void giveName();
   [[noreturn]] void fail(int error) const;
 
   std::string target_;

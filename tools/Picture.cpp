@@ -1,22 +1,14 @@
 #include "tools/Picture.h"
 
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <cstring>
 #include <stdexcept>
 
 #include "photarium/foundation/number.h"
 #include "photarium/foundation/text.h"
 #include "tools/Output.h"
 #include "tools/command.h"
-
-extern char** environ;
+#include "tools/system.h"
 
 namespace Tool {
 namespace {
@@ -194,64 +186,6 @@ std::string script(std::vector<PicturePage> const& pages, bool isVector) {
   return several ? text + "unset multiplot\n" : text;
 }
 
-// A pipe whose ends close with the object.
-struct Pipe {
-  Pipe() {
-    if (pipe2(ends, O_CLOEXEC) != 0)
-      throw std::runtime_error(std::string("No pipe to gnuplot: ") +
-                               std::strerror(errno));
-  }
-  Pipe(Pipe const&) = delete;
-  Pipe& operator=(Pipe const&) = delete;
-  ~Pipe() {
-    closeEnd(0);
-    closeEnd(1);
-  }
-  void closeEnd(int i) {
-    if (ends[i] >= 0) close(ends[i]);
-    ends[i] = -1;
-  }
-
-  int ends[2] = {-1, -1};
-};
-
-// Starts gnuplot, which reads commands from `in` and writes the picture to
-// `out`.
-pid_t startGnuplot(int in, int out) {
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_adddup2(&actions, in, STDIN_FILENO);
-  posix_spawn_file_actions_adddup2(&actions, out, STDOUT_FILENO);
-  char name[] = "gnuplot";
-  char defaults[] = "-d";  // whatever the user's ~/.gnuplot sets
-  char* arguments[] = {name, defaults, nullptr};
-  pid_t child = 0;
-  int const error =
-      posix_spawnp(&child, name, &actions, nullptr, arguments, environ);
-  posix_spawn_file_actions_destroy(&actions);
-  if (error == ENOENT)
-    throw std::runtime_error(
-        "No picture: gnuplot is not installed (Debian: apt-get install "
-        "gnuplot-nox)");
-  if (error != 0)
-    throw std::runtime_error(std::string("No picture: gnuplot: ") +
-                             std::strerror(error));
-  return child;
-}
-
-bool succeeded(pid_t child) {
-  int status = 0;
-  while (waitpid(child, &status, 0) < 0)
-    if (errno != EINTR) return false;
-  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
-
-bool send(std::string const& text, int descriptor) {
-  DescriptorBuffer buffer(descriptor);
-  buffer.sputn(text.data(), static_cast<std::streamsize>(text.size()));
-  return buffer.pubsync() == 0;
-}
-
 }  // namespace
 
 Picture::Picture(std::string const& file) : file_(file) {
@@ -270,13 +204,7 @@ void Picture::draw(std::vector<PicturePage> const& pages) const {
   if (!isWanted()) return;
   std::string const commands = script(pages, isVector_);
   SafeFile picture(file_);
-  Pipe pipe;
-  pid_t const child = startGnuplot(pipe.ends[0], picture.descriptor());
-  pipe.closeEnd(0);
-  bool const sent = send(commands, pipe.ends[1]);
-  pipe.closeEnd(1);
-  bool const drawn = succeeded(child);
-  if (!sent || !drawn || picture.size() == 0)
+  if (!System::runGnuplot(commands, picture.descriptor()))
     throw std::runtime_error("gnuplot could not draw " + file_);
   picture.keep();
 }

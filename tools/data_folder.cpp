@@ -8,6 +8,7 @@
 #include "photarium/foundation/text.h"
 #include "tools/embedded_data.h"
 #include "tools/report.h"
+#include "tools/system.h"
 
 namespace Tool {
 namespace {
@@ -29,7 +30,7 @@ std::string absolute(std::string const& path) {
   // "." and a "/" at the end leave an empty name behind them.
   if (!full.has_filename() && full.has_relative_path())
     full = full.parent_path();
-  return full.string();
+  return full.generic_string();
 }
 
 bool holdsData(fs::path const& folder) {
@@ -42,23 +43,17 @@ std::string fromEnvironment() {
   char const* const value = std::getenv("PHOTARIUM_DATA");
   if (!value || !*value) return "";
   fs::path const folder = absolute(value);
-  if (holdsData(folder)) return folder.string();
+  if (holdsData(folder)) return folder.generic_string();
   if (folder.filename() == "data" && holdsData(folder.parent_path()))
-    return folder.parent_path().string();
+    return folder.parent_path().generic_string();
   report("PHOTARIUM_DATA names no folder that holds data/: " + folder.string());
   return "";
-}
-
-fs::path programFolder() {
-  std::error_code failure;
-  fs::path const program = fs::read_symlink("/proc/self/exe", failure);
-  return failure ? fs::path() : program.parent_path();
 }
 
 std::string installed(fs::path const& programs) {
   fs::path const folder =
       (programs / PHOTARIUM_DATA_FROM_PROGRAM).lexically_normal();
-  return holdsData(folder) ? folder.string() : "";
+  return holdsData(folder) ? folder.generic_string() : "";
 }
 
 std::string sourceTree(fs::path folder) {
@@ -67,14 +62,14 @@ std::string sourceTree(fs::path folder) {
     std::error_code ignored;
     if (fs::exists(folder / Database, ignored) &&
         fs::exists(folder / "CMakePresets.json", ignored))
-      return folder.string();
+      return folder.generic_string();
   }
   return "";
 }
 
 std::string dataFolder() {
   if (auto const folder = fromEnvironment(); !folder.empty()) return folder;
-  fs::path const programs = programFolder();
+  fs::path const programs = System::program().parent_path();
   if (programs.empty()) return "";
   if (auto const folder = installed(programs); !folder.empty()) return folder;
   return sourceTree(programs);

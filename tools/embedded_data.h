@@ -6,8 +6,8 @@
 /// machines without a data folder.
 namespace Tool {
 
-/// Path under which this process can read the default database. The file lives
-/// in memory and goes with the process.
+/// Path under which this process can read the default database. The file goes
+/// with the process.
 std::string embeddedDatabase();
 
 /// The same for the corrections.

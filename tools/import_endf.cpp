@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <istream>
 #include <memory>
+#include <new>
 #include <ostream>
 #include <sstream>
 #include <stdexcept>
@@ -68,6 +69,7 @@ std::string fileText(std::string const& name) {
   }
   int error = Z_OK;
   gzerror(file.get(), &error);
+  if (error == Z_MEM_ERROR) throw std::bad_alloc();
   if (error != Z_OK) throw std::runtime_error(name + ": Could not read file");
   return text;
 }
@@ -132,8 +134,8 @@ void runImportEndf(Arguments const& arguments) {
     write(path, endfText(element, thin), line.has(PackOption.name));
     report.stream() << endfReport(element);
   }
-  report.stream() << tapes.elements().size() << " elements in " << to.string()
-                  << '\n';
+  report.stream() << tapes.elements().size() << " elements in "
+                  << to.generic_string() << '\n';
   report.finish();
 }
 

@@ -2,7 +2,6 @@
 // messages and an exit status.
 
 #include <algorithm>
-#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <iterator>
@@ -14,6 +13,7 @@
 #include "tools/Output.h"
 #include "tools/command.h"
 #include "tools/report.h"
+#include "tools/system.h"
 
 namespace Tool {
 namespace {
@@ -110,7 +110,6 @@ Status run(Arguments const& arguments) {
   }
 }
 
-// Every way out ends in a message; a crash is none of them.
 Status guarded(Arguments const& arguments) {
   try {
     return run(arguments);
@@ -120,7 +119,7 @@ Status guarded(Arguments const& arguments) {
     report(error.what());
     return WrongUsage;
   } catch (std::bad_alloc const&) {
-    std::fputs("photarium: Not enough memory\n", stderr);
+    throw;
   } catch (std::exception const& error) {
     report(error.what());
   }
@@ -130,9 +129,11 @@ Status guarded(Arguments const& arguments) {
 }  // namespace
 }  // namespace Tool
 
-int main(int argc, char** argv) {
-  // A closed pipe and a file too large show as failed writes.
-  std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);
+// Every way out ends in a message; a crash is none of them.
+int main(int argc, char** argv) try {
+  Tool::System::start();
   return Tool::guarded({argv + std::min(argc, 1), argv + argc});
+} catch (std::bad_alloc const&) {  // also of a message
+  std::fputs("photarium: Not enough memory\n", stderr);
+  return Tool::Failed;
 }

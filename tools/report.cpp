@@ -20,7 +20,7 @@ void report(std::string const& text) {
 ProgressBar::ProgressBar(std::string label)
     : label_(std::move(label)),
       start_(std::chrono::steady_clock::now()),
-      onTerminal_(isatty(STDERR_FILENO) == 1) {}
+      onTerminal_(isatty(STDERR_FILENO) != 0) {}
 
 ProgressBar::~ProgressBar() {
   if (shown_) std::fputs("\r\033[K", stderr);  // clears the line

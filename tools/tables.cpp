@@ -9,6 +9,7 @@
 #include "photarium/foundation/elements.h"
 #include "photarium/foundation/number.h"
 #include "photarium/grid/TableHeader.h"
+#include "tools/endf_tape.h"
 
 namespace Tool {
 namespace {
@@ -152,11 +153,8 @@ std::string importHint(Material<double> const& material,
                        std::string const& what) {
   std::string file = "data/ENDF-VII0/ZZZ_Symbol_000.endf, for each element";
   auto const Z = std::size_t(material.Z);
-  if (Z > 0 && Z < ElementsCount && material.Name == Elements[Z]) {
-    std::string const number = std::to_string(Z);
-    file = "data/ENDF-VII0/" + std::string(3 - number.size(), '0') + number +
-           '_' + Elements[Z] + "_000.endf";
-  }
+  if (Z > 0 && Z < ElementsCount && material.Name == Elements[Z])
+    file = "data/ENDF-VII0/" + endfFileName(static_cast<unsigned int>(Z));
   return "No " + what + " of " + material.Name + " in " + "the database.\n" +
          "It comes with the ENDF-6 tapes of the element, which are read from " +
          file + ".\n\"photarium import-endf\" puts the published tapes there.";

@@ -97,7 +97,9 @@ void applyStep(Step const& step, char const* above, char* line) {
   std::uint64_t text;
   std::uint64_t repeated;
   std::memcpy(&text, &step, sizeof(text));
-  text &= std::bit_cast<std::uint64_t>(Step{{-1, -1, -1, -1, -1, -1}, 0, 0});
+  constexpr char all = static_cast<char>(255);
+  text &=
+      std::bit_cast<std::uint64_t>(Step{{all, all, all, all, all, all}, 0, 0});
   std::memcpy(&repeated, above, sizeof(repeated));
   // No byte of a step is above 127, so that none carries into the next.
   std::uint64_t const isSet = ((text + low7) & ~low7) >> 7;
@@ -144,7 +146,9 @@ class BitWindow {
     return true;
   }
 
-  Step const& step() const { return Steps[bits >> (64 - StepBits)]; }
+  Step const& step() const {
+    return Steps[static_cast<std::size_t>(bits >> (64 - StepBits))];
+  }
 
   void drop(int size) {
     bits <<= size;

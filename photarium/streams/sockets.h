@@ -126,7 +126,9 @@ inline void prepare(Native) {}
 class Addresses {
  public:
   Addresses(std::string const& host, std::string const& port) {
-    // The system would take the part ahead of a NUL for the name.
+    // Windows would take no name for this computer, and every system the part
+    // ahead of a NUL for the name.
+    if (host.empty()) return;
     if (host.find('\0') != host.npos || port.find('\0') != port.npos) return;
     addrinfo hints{};
     hints.ai_socktype = SOCK_STREAM;

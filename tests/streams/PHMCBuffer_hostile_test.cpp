@@ -69,6 +69,13 @@ TEST(PHMCBufferHostile, RefusesALineAboveOneGibibyteBeforeItTakesMemory) {
   EXPECT_LT(peakMemory() - before, 64 * 1024);
 }
 
+TEST(PHMCBufferHostile, RefusesALineWhoseLengthIsZeroIn32Bits) {
+  std::string bits;
+  for (int i = 0; i < 8; ++i) bits += "101 1110";  // a factor of 16
+  Reader reader(stream(bits + "0001 11" + Bits::End));
+  EXPECT_EQ(reader.failure(), "Line too long in input!");
+}
+
 TEST(PHMCBufferHostile, RefusesALineThatGrowsBeyondTheLimit) {
   std::string bits;
   for (int i = 0; i < 100; ++i) bits += "1011111 1011111 0001";

@@ -209,6 +209,11 @@ TEST(PHMCBuffer, AppendsTheLowBitsFromTheTop) {
             bytesOf("0101 10011101000101"));
 }
 
+TEST(PHMCBuffer, AppendsZerosAboveAllBitsOfTheValue) {
+  EXPECT_EQ(written([](auto& b) { b.append(0x80000003u, 40); }),
+            bytesOf("00000000 10000000 00000000 00000000 00000011"));
+}
+
 TEST(PHMCBuffer, WritesWholeBytesBeforeItAppends) {
   std::stringstream out;
   OpenBuffer buffer(out, out);

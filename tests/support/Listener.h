@@ -1,36 +1,45 @@
 #pragma once
 
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "tests/support/sockets.h"
+
 /// The far end of one TCP connection. Nothing waits longer than ten seconds.
 class Peer {
  public:
-  explicit Peer(int socket) : socket_(socket) {}
-  Peer(Peer&& other) noexcept : socket_(std::exchange(other.socket_, -1)) {}
+  explicit Peer(TestSocket socket) : socket_(socket) {}
+  Peer(Peer&& other) noexcept
+      : socket_(std::exchange(other.socket_, NoSocket)) {}
   Peer& operator=(Peer&&) = delete;
   ~Peer() { close(); }
 
-  bool isOpen() const { return socket_ >= 0; }
+  bool isOpen() const { return socket_ != NoSocket; }
 
   void close() {
-    if (isOpen()) ::close(socket_);
-    socket_ = -1;
+    if (isOpen()) closeSocket(socket_);
+    socket_ = NoSocket;
+  }
+
+  /// Ends the connection as a program does that is killed.
+  void reset() {
+    linger const atOnce{1, 0};
+    auto const* const bytes = reinterpret_cast<char const*>(&atOnce);
+    EXPECT_EQ(setsockopt(socket_, SOL_SOCKET, SO_LINGER, bytes, sizeof(atOnce)),
+              0);
+    close();
   }
 
   void send(std::string const& text) {
-    EXPECT_EQ(::send(socket_, text.data(), text.size(), MSG_NOSIGNAL),
-              ssize_t(text.size()));
+    auto const size = static_cast<ByteCount>(text.size());
+    EXPECT_EQ(std::size_t(::send(socket_, text.data(), size, TestSendFlags)),
+              text.size());
   }
 
   /// The next `size` bytes; fewer if the connection ends or time is up.
@@ -39,7 +48,8 @@ class Peer {
     char bytes[4096];
     while (text.size() < size && isReady(socket_)) {
       std::size_t const wanted = std::min(sizeof(bytes), size - text.size());
-      ssize_t const got = ::recv(socket_, bytes, wanted, 0);
+      auto const got =
+          ::recv(socket_, bytes, static_cast<ByteCount>(wanted), 0);
       if (got <= 0) break;
       text.append(bytes, std::size_t(got));
     }
@@ -47,25 +57,26 @@ class Peer {
   }
 
   /// True once `socket` has something to take, false when time is up.
-  static bool isReady(int socket, int milliseconds = 10000) {
+  static bool isReady(TestSocket socket, int milliseconds = 10000) {
     pollfd event{socket, POLLIN, 0};
-    return poll(&event, 1, milliseconds) == 1;
+    return pollSocket(event, milliseconds) == 1;
   }
 
  private:
-  int socket_;
+  TestSocket socket_;
 };
 
 /// A server on a free port of the loopback address.
 class Listener {
  public:
   explicit Listener(int backlog = 8) {
+    EXPECT_TRUE(startSockets());
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t size = sizeof(address);
     auto* const generic = reinterpret_cast<sockaddr*>(&address);
-    socket_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    socket_ = ::socket(AF_INET, SOCK_STREAM | TestSocketFlags, 0);
     EXPECT_EQ(::bind(socket_, generic, size), 0);
     EXPECT_EQ(::listen(socket_, backlog), 0);
     EXPECT_EQ(::getsockname(socket_, generic, &size), 0);
@@ -76,8 +87,8 @@ class Listener {
   ~Listener() { close(); }
 
   void close() {
-    if (socket_ >= 0) ::close(socket_);
-    socket_ = -1;
+    if (socket_ != NoSocket) closeSocket(socket_);
+    socket_ = NoSocket;
   }
 
   std::string port() const { return std::to_string(port_); }
@@ -87,11 +98,11 @@ class Listener {
   Peer accept(int milliseconds = 10000) {
     return Peer(Peer::isReady(socket_, milliseconds)
                     ? ::accept(socket_, nullptr, nullptr)
-                    : -1);
+                    : NoSocket);
   }
 
  private:
-  int socket_ = -1;
+  TestSocket socket_ = NoSocket;
   std::uint16_t port_ = 0;
 };
 

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
 
 /// Folder of the real database files, empty where none is given. A case that
@@ -20,9 +21,16 @@ inline std::filesystem::path testData() {
   GTEST_SKIP() << "set PHOTARIUM_TEST_DATA to the folder of the real " \
                   "database files"
 
+/// Begins a case that needs a POSIX system: its shell, devices or links.
+#ifdef _WIN32
+#define PHOTARIUM_NEEDS_POSIX() GTEST_SKIP() << "needs a POSIX system"
+#else
+#define PHOTARIUM_NEEDS_POSIX() static_cast<void>(0)
+#endif
+
 /// The source tree, for files that the repository holds.
 inline std::filesystem::path sourceDir() {
-  return PHOTARIUM_SOURCE_DIR;
+  return std::filesystem::absolute(PHOTARIUM_SOURCE_DIR);
 }
 
 /// The whole of a file as bytes.
@@ -36,9 +44,11 @@ inline std::string fileText(std::filesystem::path const& path) {
 class ScratchFolder {
  public:
   ScratchFolder() {
-    std::string pattern =
-        (std::filesystem::temp_directory_path() / "photarium-XXXXXX").string();
-    path_ = mkdtemp(pattern.data());
+    std::random_device random;
+    do {
+      path_ = std::filesystem::temp_directory_path() /
+              ("photarium-" + std::to_string(random()));
+    } while (!std::filesystem::create_directory(path_));
   }
   ScratchFolder(ScratchFolder const&) = delete;
   ScratchFolder& operator=(ScratchFolder const&) = delete;

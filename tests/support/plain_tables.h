@@ -83,7 +83,7 @@ inline std::string angleDist(std::ostream& out,
 template <class Spectrum>
 std::string bremsRow(Spectrum const& spectrum, double scale, double E,
                      double EBin, std::uint64_t steps, bool cubic) {
-  std::size_t const points = 10 * steps;
+  auto const points = static_cast<std::size_t>(10 * steps);
   double const low = std::min(1.0, std::min(EBin, E / 100));
   double const dk = (E - low) / static_cast<double>(points - 1);
   std::vector<double> cumulative(points);

@@ -1,17 +1,12 @@
 #pragma once
 
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <filesystem>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "tests/support/paths.h"
-
-extern char** environ;
+#include "tests/tools/run.h"
 
 /// What a run of a program left.
 struct Outcome {
@@ -33,6 +28,14 @@ class Program {
   std::string text(std::string const& name) const {
     return fileText(folder() / name);
   }
+  /// The names of all files and folders, save those that runs are caught in.
+  std::vector<std::string> files() const {
+    std::vector<std::string> names;
+    for (auto const& entry : std::filesystem::directory_iterator(folder()))
+      names.push_back(entry.path().filename().string());
+    std::erase_if(names, [](auto const& name) { return name[0] == '.'; });
+    return names;
+  }
   bool has(std::string const& name) const {
     return std::filesystem::exists(folder() / name);
   }
@@ -46,46 +49,26 @@ class Program {
     return runProgram(arguments);
   }
 
-  /// Runs a line of shell, in which photarium is on the path.
+  /// Runs a copy of photarium that stands in the folder.
+  Outcome runCopy(std::string const& copy,
+                  std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), (folder() / copy).string());
+    return runProgram(arguments);
+  }
+
+  /// Runs a line of shell, in which photarium is on the path. Windows has a
+  /// shell that knows pipes and redirections alone.
   Outcome shell(std::string const& line) const {
-    std::string const folder =
-        std::filesystem::path(PHOTARIUM_PROGRAM).parent_path().string();
-    return runProgram(
-        {"/bin/sh", "-c", "PATH='" + folder + "':\"$PATH\"; " + line});
+    auto const folder = std::filesystem::path(PHOTARIUM_PROGRAM).parent_path();
+    return runProgram(shellCommand(folder.string(), line));
   }
 
  private:
   Outcome runProgram(std::vector<std::string> const& arguments) const {
-    std::string const out = folder() / ".out", err = folder() / ".err";
-    pid_t const child = fork();
-    if (child == 0) start(arguments, out, err);
-    int status = 0;
-    waitpid(child, &status, 0);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
-            fileText(out), fileText(err)};
-  }
-
-  [[noreturn]] void start(std::vector<std::string> const& arguments,
-                          std::string const& out,
-                          std::string const& err) const {
-    redirect("/dev/null", O_RDONLY, STDIN_FILENO);
-    redirect(out, O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
-    redirect(err, O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
-    unsetenv("PHOTARIUM_DATA");
-    for (auto const& setting : settings_)
-      putenv(const_cast<char*>(setting.c_str()));
-    std::vector<char*> list;
-    for (auto const& argument : arguments)
-      list.push_back(const_cast<char*>(argument.c_str()));
-    list.push_back(nullptr);
-    if (chdir(folder().c_str()) == 0) execv(list[0], list.data());
-    _exit(127);
-  }
-
-  static void redirect(std::string const& file, int mode, int descriptor) {
-    int const opened = open(file.c_str(), mode, 0600);
-    dup2(opened, descriptor);
-    close(opened);
+    std::filesystem::path const out = folder() / ".out",
+                                err = folder() / ".err";
+    int const status = runIn(folder(), arguments, settings_, out, err);
+    return {status, fileText(out), fileText(err)};
   }
 
   ScratchFolder folder_;

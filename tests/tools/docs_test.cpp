@@ -91,6 +91,7 @@ TEST(Pages, LinkToFilesThatExist) {
 }
 
 TEST(ProgramPage, ShowsWhatItsExamplesPrint) {
+  PHOTARIUM_NEEDS_POSIX();
   Program const program;
   auto const examples = examplesOf(fileText(sourceDir() / "docs/program.md"));
   EXPECT_GT(examples.size(), 10u);

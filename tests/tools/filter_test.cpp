@@ -1,5 +1,3 @@
-#include <sys/resource.h>
-
 #include <cmath>
 #include <numbers>
 
@@ -234,6 +232,7 @@ TEST_F(FilterCommand, WritesAllSettingsOfEachLayer) {
 }
 
 TEST_F(FilterCommand, DrawsBeforeAndAfter) {
+  PHOTARIUM_NEEDS_POSIX();
   Outcome const outcome = run({"a.txt", "--plot=p.svg", "--output=o.txt"});
   if (outcome.err.find("gnuplot is not installed") != std::string::npos)
     GTEST_SKIP() << outcome.err;
@@ -252,14 +251,7 @@ TEST_F(FilterCommand, TakesAMillionNodesInTwoSeconds) {
   for (int i = 0; i < 1000000; ++i)
     text += std::to_string(1 + i * 1e-4) + "\t" + std::to_string(i % 97) + "\n";
   program.write("b.txt", text);
-  rusage before{}, after{};
-  getrusage(RUSAGE_CHILDREN, &before);
+  double const before = secondsOfPrograms();
   EXPECT_EQ(run({"b.txt", "--material=Al", "--output=o.txt"}).status, 0);
-  getrusage(RUSAGE_CHILDREN, &after);
-  auto const seconds = [](rusage const& usage) {
-    return static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
-           1e-6 * static_cast<double>(usage.ru_utime.tv_usec +
-                                      usage.ru_stime.tv_usec);
-  };
-  EXPECT_LT(seconds(after) - seconds(before), 2);
+  EXPECT_LT(secondsOfPrograms() - before, 2);
 }

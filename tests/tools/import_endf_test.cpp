@@ -97,7 +97,7 @@ EndfText::Points pointsOf(std::string const& text, std::string const& section) {
 std::string gzip(std::string const& text) {
   z_stream stream{};
   deflateInit2(&stream, 6, Z_DEFLATED, 31, 8, Z_DEFAULT_STRATEGY);
-  std::string out(compressBound(text.size()) + 64, '\0');
+  std::string out(compressBound(static_cast<uLong>(text.size())) + 64, '\0');
   stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
   stream.avail_in = static_cast<uInt>(text.size());
   stream.next_out = reinterpret_cast<Bytef*>(out.data());
@@ -421,12 +421,12 @@ TEST(ImportEndf, GivesTheNumbersOfTheRealTapes) {
 TEST(ImportEndf, MakesRealDataTheDefault) {
   PHOTARIUM_NEEDS_DATA();
   Program photarium;
-  std::string const originals = testData() / "endf_originals";
-  ASSERT_EQ(photarium
-                .shell("photarium import-endf --to . '" + originals +
-                       "'/*-026_Fe_000.endf")
-                .status,
-            0);
+  std::vector<std::string> arguments{"import-endf", "--to", "."};
+  for (std::string const sublibrary : {"e-", "atom-", "photoat-"})
+    arguments.push_back((std::filesystem::absolute(testData()) /
+                         "endf_originals" / (sublibrary + "026_Fe_000.endf"))
+                            .string());
+  ASSERT_EQ(photarium.run(arguments).status, 0);
   photarium.write("data/ELossCorrections.txt",
                   fileText(testData() / "ELossCorrections.txt"));
   Outcome const iron = photarium.run({"material", "--material", "Fe"});

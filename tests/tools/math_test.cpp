@@ -94,7 +94,14 @@ TEST_F(MathCommand, ReadsPackedFilesAndStandardInput) {
   EXPECT_EQ(rowsOf(outcome.out), (Rows{{1, 12}, {2, 23}, {3, 34}}));
 }
 
+TEST_F(MathCommand, TakesNamesFromTheRoot) {
+  std::string const first = (program.folder() / "a.txt").string();
+  Outcome const outcome = math({first, "b.txt", "--operation", "add"});
+  EXPECT_EQ(rowsOf(outcome.out), (Rows{{1, 12}, {2, 23}, {3, 34}}));
+}
+
 TEST_F(MathCommand, TakesNamesWithAColonBehindADot) {
+  PHOTARIUM_NEEDS_POSIX();
   program.write("a:b=c", "1 1\n2 1\n");
   Outcome const outcome = math({"a.txt", "./a:b=c", "--operation", "add"});
   EXPECT_EQ(rowsOf(outcome.out).size(), 3u);
@@ -140,18 +147,17 @@ TEST_F(MathCommand, NamesTheFileAndTheLineThatItCannotRead) {
 }
 
 TEST_F(MathCommand, RefusesABrokenPackedFile) {
-  Outcome const outcome = program.shell(
-      "photarium pack a.txt | head -c 8 >cut.phc; "
-      "photarium math b.txt cut.phc --operation add");
+  program.write("cut.phc", program.run({"pack", "a.txt"}).out.substr(0, 8));
+  Outcome const outcome = math({"b.txt", "cut.phc", "--operation", "add"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.err,
             "photarium: Not enough bits in input! while reading cut.phc\n");
 }
 
 TEST_F(MathCommand, RefusesABrokenPackedGridFile) {
-  Outcome const outcome = program.shell(
-      "photarium pack a.txt | head -c 8 >cut.phc; "
-      "photarium math b.txt --operation rebin --gridfile cut.phc");
+  program.write("cut.phc", program.run({"pack", "a.txt"}).out.substr(0, 8));
+  Outcome const outcome =
+      math({"b.txt", "--operation", "rebin", "--gridfile", "cut.phc"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.out, "");
   EXPECT_EQ(outcome.err,

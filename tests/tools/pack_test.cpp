@@ -27,10 +27,9 @@ TEST(PackCommand, OfNothingIsNothing) {
 TEST(PackCommand, LeavesPackedTextAsItIs) {
   Program const program;
   program.write("text", "1.5 2\n");
-  Outcome const outcome = program.shell(
-      "photarium pack text >once; photarium pack once >twice; "
-      "cmp once twice");
-  EXPECT_EQ(outcome.status, 0);
+  std::string const once = program.run({"pack", "text"}).out;
+  program.write("once", once);
+  EXPECT_EQ(program.run({"pack", "once"}).out, once);
 }
 
 TEST(PackCommand, RefusesTheOneByteThatCannotBePacked) {
@@ -53,9 +52,8 @@ TEST(UnpackCommand, LeavesPlainTextAsItIs) {
 TEST(UnpackCommand, RefusesATruncatedFileAndWritesNone) {
   Program const program;
   program.write("text", "1.5 2\n1.5 3\n");
-  Outcome const outcome = program.shell(
-      "photarium pack text | head -c 9 >cut; "
-      "photarium unpack cut --output back");
+  program.write("cut", program.run({"pack", "text"}).out.substr(0, 9));
+  Outcome const outcome = program.run({"unpack", "cut", "--output", "back"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.err, "photarium: Not enough bits in input!\n");
   EXPECT_FALSE(program.has("back"));

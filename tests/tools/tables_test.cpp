@@ -194,10 +194,11 @@ TEST(AngleCommand, LeavesNoFileWithoutData) {
 TEST(AngleCommand, WritesTheTableOfTungsten) {
   PHOTARIUM_NEEDS_DATA();
   Program const program;
+  if (!hasGnuplot(program)) GTEST_SKIP() << "gnuplot is not installed";
   Outcome const outcome = program.run(
       {"angle", "--kvp", "150", "--ebin", "10", "--datafile",
        database("endf_mt526", "074_W_000.endf"), "--plot", "a.png"});
-  EXPECT_EQ(outcome.status, hasGnuplot(program) ? 0 : 1) << outcome.err;
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_EQ(rowsOf(outcome.out).size(), 15U);
 }
 
@@ -212,10 +213,11 @@ TEST(FluoCommand, SaysWhichFileToImport) {
 TEST(FluoCommand, WritesTheTableOfCopperAndShortensItsWarning) {
   PHOTARIUM_NEEDS_DATA();
   Program const program;
+  if (!hasGnuplot(program)) GTEST_SKIP() << "gnuplot is not installed";
   Outcome const outcome = program.run(
       {"fluo", "--kvp", "30", "--ebin", "0.1", "--material", "Cu", "--datafile",
        database("endf", "029_Cu_000.endf"), "--plot", "f.svg"});
-  EXPECT_EQ(outcome.status, hasGnuplot(program) ? 0 : 1) << outcome.err;
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_EQ(rowsOf(outcome.out).size(), 10U + 300U);  // edges and energies
   EXPECT_NE(outcome.err.find(" lines more\n"), std::string::npos);
   EXPECT_LT(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 16);
@@ -240,6 +242,7 @@ std::string readerOutput(Program const& program, std::string const& file) {
 }  // namespace
 
 TEST(TablesPage, HasAReaderOfBremsTables) {
+  PHOTARIUM_NEEDS_POSIX();
   Program const program;
   program.run(brems({"--output", "table"}));
   EXPECT_EQ(readerOutput(program, "table"),
@@ -247,6 +250,7 @@ TEST(TablesPage, HasAReaderOfBremsTables) {
 }
 
 TEST(TablesPage, HasAReaderOfAttenuationTables) {
+  PHOTARIUM_NEEDS_POSIX();
   Program const program;
   program.run({"mu", "--material", "CuZn", "--acrp", "--kvp", "100", "--ebin",
                "1", "--output", "table"});
@@ -256,6 +260,7 @@ TEST(TablesPage, HasAReaderOfAttenuationTables) {
 }
 
 TEST(TablesPage, HasAReaderOfAngleTables) {
+  PHOTARIUM_NEEDS_POSIX();
   DistributionConfig<double> dist;
   dist.kVp = 20;
   dist.EBin = 0.5;
@@ -269,6 +274,7 @@ TEST(TablesPage, HasAReaderOfAngleTables) {
 }
 
 TEST(TablesPage, HasAReaderOfFluoTables) {
+  PHOTARIUM_NEEDS_POSIX();
   DistributionConfig<double> dist;
   dist.kVp = 20;
   dist.EBin = 0.5;
