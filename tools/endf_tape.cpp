@@ -177,7 +177,9 @@ class Parser {
       sublibrary_->tapeHead = tapeHead_;
       sublibrary_->material = mat;
     }
-    if (!sublibrary_) fail("section " + name(key) + " without a file head");
+    // The head has the lowest number that a material uses.
+    if (!sublibrary_ || key < Head)
+      fail("section " + name(key) + " without a file head");
     auto const [place, isNew] = sublibrary_->sections.try_emplace(key);
     if (!isNew) fail("section " + name(key) + " occurs twice");
     section_ = &place->second;

@@ -227,6 +227,13 @@ TEST(EndfTapes, TellFileAndLineOfWhatIsNoTape) {
             "some.endf:1: no ENDF record");
   EXPECT_EQ(failureOf(std::string(66, ' ') + "260023522    1\n"),
             "some.endf:1: section 23/522 without a file head");
+  std::string const head = EndfText(26, "Fe").head(3, 55).str();
+  std::string const next =
+      "some.endf:" + std::to_string(head.size() / 81 + 1) + ": section ";
+  for (auto const& [control, section] :
+       {std::pair("2600 0  5", "0/5"), std::pair("2600 1450", "1/450")})
+    EXPECT_EQ(failureOf(head + std::string(66, ' ') + control + "    1\n"),
+              next + section + " without a file head");
   EXPECT_EQ(failureOf(EndfText(26, "Fe").head(10, 55).str()),
             "some.endf:3: no atomic sublibrary: NSUB 10");
   std::string const iron = smallElement(26, "Fe").str();
