@@ -1,5 +1,5 @@
-// The import of tapes on any text. What it writes is a tape again, and stays as
-// it is when it is imported once more.
+// The import of tapes on any text. What it writes is a tape again, and its
+// materials stay as they are when they are imported once more.
 
 #include <cstddef>
 #include <cstdint>
@@ -10,6 +10,18 @@
 #include "fuzz/tape_mutator.h"
 #include "tools/endf_tape.h"
 
+namespace {
+
+// Without the heads of tapes: where a material has none, it is written behind
+// that of another one, whose tape it then seems to be on.
+std::string materials(Tool::EndfElement element) {
+  for (auto& [number, sublibrary] : element.sublibraries)
+    sublibrary.tapeHead = {};
+  return Tool::endfText(element, 0);
+}
+
+}  // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data,
                                       std::size_t size) {
   Tool::EndfTapes tapes;
@@ -19,12 +31,11 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data,
     return 0;
   }
   for (auto const& [z, element] : tapes.elements()) {
-    std::string const text = Tool::endfText(element, 0);
     Tool::endfText(element, 1e-3);
     Tool::endfReport(element);
     Tool::EndfTapes again;
-    again.add("text", text);
-    if (Tool::endfText(again.elements().at(z), 0) != text) std::abort();
+    again.add("text", Tool::endfText(element, 0));
+    if (materials(again.elements().at(z)) != materials(element)) std::abort();
   }
   return 0;
 }

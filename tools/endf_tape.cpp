@@ -58,12 +58,15 @@ std::string_view field(std::string_view line, std::size_t index) {
   return line.substr(index * FieldWidth, FieldWidth);
 }
 
+constexpr char const* Digits = "0123456789";
+
 // A whole number without a sign, 0 if blank.
 std::optional<unsigned int> whole(std::string_view text) {
   text = trimmed(text);
   std::uint32_t value = 0;
   if (text.empty()) return value;
-  bool const isNumber = extractNumber(text, value) && text.empty();
+  bool const isNumber = text.find_first_not_of(Digits) == text.npos &&
+                        extractNumber(text, value);
   return isNumber ? std::optional<unsigned int>(value) : std::nullopt;
 }
 
@@ -74,16 +77,15 @@ std::size_t skip(std::string_view text, std::size_t at, char const* chars) {
 // Brings a number to the form without a letter, flush right in its field if
 // that changes it. False if the field holds no number.
 bool normalise(char* field) {
-  constexpr char const* digits = "0123456789";
   std::string_view const text(field, FieldWidth);
   std::size_t const first = skip(text, 0, " ");
   if (first == text.size()) return true;
   std::size_t at = first + (text[first] == '-' || text[first] == '+' ? 1 : 0);
-  std::size_t const point = skip(text, at, digits);
+  std::size_t const point = skip(text, at, Digits);
   std::size_t count = point - at;
   at = point;
   if (at < text.size() && text[at] == '.') {
-    at = skip(text, at + 1, digits);
+    at = skip(text, at + 1, Digits);
     count += at - point - 1;
   }
   if (count == 0) return false;
@@ -99,7 +101,7 @@ bool normalise(char* field) {
   else if (!hasLetter)
     return false;
   at = skip(text, at, " ");
-  std::size_t const stop = skip(text, at, digits);
+  std::size_t const stop = skip(text, at, Digits);
   if (stop == at || skip(text, stop, " ") != text.size()) return false;
   std::string number(text.substr(first, mantissa - first));
   number += sign;

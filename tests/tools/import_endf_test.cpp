@@ -225,6 +225,8 @@ TEST(EndfTapes, TellFileAndLineOfWhatIsNoTape) {
   EXPECT_EQ(failureOf("too short\n"), "some.endf:1: no ENDF record");
   EXPECT_EQ(failureOf(std::string(66, ' ') + "26xx23522    1\n"),
             "some.endf:1: no ENDF record");
+  EXPECT_EQ(failureOf(std::string(66, ' ') + "260023-17    1\n"),
+            "some.endf:1: no ENDF record");
   EXPECT_EQ(failureOf(std::string(66, ' ') + "260023522    1\n"),
             "some.endf:1: section 23/522 without a file head");
   std::string const head = EndfText(26, "Fe").head(3, 55).str();
