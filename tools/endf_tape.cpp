@@ -65,8 +65,8 @@ std::optional<unsigned int> whole(std::string_view text) {
   text = trimmed(text);
   std::uint32_t value = 0;
   if (text.empty()) return value;
-  bool const isNumber = text.find_first_not_of(Digits) == text.npos &&
-                        extractNumber(text, value);
+  bool const isNumber =
+      text.find_first_not_of(Digits) == text.npos && extractNumber(text, value);
   return isNumber ? std::optional<unsigned int>(value) : std::nullopt;
 }
 
