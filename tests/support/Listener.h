@@ -66,6 +66,15 @@ class Peer {
   TestSocket socket_;
 };
 
+/// False on a machine without /etc/hosts, as in a bare chroot.
+inline bool isLocalhostKnown() {
+  addrinfo* found = nullptr;
+  bool const isKnown =
+      startSockets() && getaddrinfo("localhost", nullptr, nullptr, &found) == 0;
+  if (isKnown) freeaddrinfo(found);
+  return isKnown;
+}
+
 /// A server on a free port of the loopback address.
 class Listener {
  public:
