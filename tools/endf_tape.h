@@ -60,9 +60,10 @@ class EndfTapes {
 std::string endfFileName(unsigned int z);
 
 /// The text of that file: numbered lines of 80 columns, the sublibraries in
-/// order, one tape end. Large-angle elastic scattering of electrons has the
-/// number 526; where the tape has it as 525, the total elastic section, which
-/// has 526 there, is left out.
+/// order, each behind the head of its tape if it has one, one tape end.
+/// Large-angle elastic scattering of electrons has the number 526; where the
+/// tape has it as 525, the total elastic section, which has 526 there, is left
+/// out.
 ///
 /// With a `tolerance` above 0 tables lose the points that linear interpolation
 /// between those that stay reproduces within that part of the value; points

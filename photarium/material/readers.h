@@ -44,8 +44,9 @@ std::string_view remainingView(std::istream& in, std::string& storage);
 
 /// Reads a whole file. False if it cannot be opened, as a directory cannot;
 /// throws std::runtime_error "Could not read file" if reading breaks off, if
-/// the file has more than remainingText() takes, or if what is no regular file,
-/// as a pipe or a device, has more than 512 MiB.
+/// the file has more than remainingText() takes, or if it gives more than
+/// 512 MiB and half as much again as the size that it tells, which is none for
+/// a pipe or a device.
 bool readFile(std::string const& path, std::string& text);
 
 /// Replaces a packed text by what it holds and leaves any other as it is.

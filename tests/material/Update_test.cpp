@@ -40,6 +40,15 @@ class Update : public testing::Test {
     config.Material = "H";
   }
 
+  // Asks for an element of that number, without a density.
+  void chooseNumber(int Z) {
+    scratch.write("odd.txt", "Element Xx " + std::to_string(Z) +
+                                 " 1 0\nPhoto\n 1 1 1\nScatter\n 1 1 1 "
+                                 "1 1\nEndElement\nEnd\n");
+    config.DataFile = "odd.txt";
+    config.Material = "Xx";
+  }
+
   std::string findings() {
     return thrown<warning>([&] { material.update(config); });
   }
@@ -133,21 +142,13 @@ TEST_F(Update, LooksADensityUpThatTheDatabaseLacks) {
 }
 
 TEST_F(Update, LooksUpNoDensityForANumberOffTheTable) {
-  scratch.write("odd.txt",
-                "Element Xx -3 1 0\nPhoto\n 1 1 1\nScatter\n 1 1 1 "
-                "1 1\nEndElement\nEnd\n");
-  config.DataFile = "odd.txt";
-  config.Material = "Xx";
+  chooseNumber(-3);
   EXPECT_EQ(findings(), "Density effect coefficients incomplete.\n");
   EXPECT_EQ(config.Density, 0);
 }
 
 TEST_F(Update, LooksUpNoDensityBehindTheTable) {
-  scratch.write("odd.txt",
-                "Element Xx 300 1 0\nPhoto\n 1 1 1\nScatter\n 1 1 1 "
-                "1 1\nEndElement\nEnd\n");
-  config.DataFile = "odd.txt";
-  config.Material = "Xx";
+  chooseNumber(300);
   material.update(config);
   EXPECT_EQ(config.Density, 0);
 }

@@ -122,9 +122,7 @@ TEST(ProgramInput, ThatEndsHalfWayIsAFailureWithAMessage) {
 }
 
 TEST(ProgramInput, WithoutAnEndIsRefused) {
-  Program const program;
-  program.write("spectrum", "1 2\n2 3\n3 4\n");
-  Outcome const outcome = program.run({"filter", "/dev/zero"});
+  Outcome const outcome = Program().run({"filter", "/dev/zero"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.err, "photarium: Line too long while reading /dev/zero\n");
 }

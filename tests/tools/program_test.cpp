@@ -249,10 +249,11 @@ TEST(ProgramMemory, GivesTheWholeResultOrNone) {
         "pack text"}) {
     std::string const run = "photarium " + command;
     std::string const whole = program.shell(run).out;
-    for (int limit = 8000; limit <= 20000; limit += 500) {
+    bool isWhole = false;
+    for (int limit = 8000; limit <= 24000; limit += 500) {
       Outcome const outcome =
           program.shell("ulimit -v " + std::to_string(limit) + "; " + run);
-      bool const isWhole = outcome.status == 0 && outcome.out == whole;
+      isWhole = outcome.status == 0 && outcome.out == whole;
       // 127 without room for the libraries that the program loads.
       bool const isNone = (outcome.status == 1 || outcome.status == 127) &&
                           !outcome.err.empty();
@@ -260,6 +261,7 @@ TEST(ProgramMemory, GivesTheWholeResultOrNone) {
           << run << " with " << limit << " kB: " << outcome.status
           << outcome.err;
     }
+    EXPECT_TRUE(isWhole) << run;
   }
 }
 #endif
